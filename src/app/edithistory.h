@@ -1,0 +1,36 @@
+// Undo and redo by whole snapshots: what every track holds, by the identity of tracks and items.
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QMap>
+
+class Timeline;
+class TimelineItem;
+
+class EditHistory
+{
+public:
+    // Tracks to items to blobs. Pointers are the identity across snapshots, so nothing may destroy a track or an item
+    // that a snapshot can name; what destroys tracks clears the history in the same step. Blobs are shared with the
+    // items.
+    using TrackSnapshot = QMap<TimelineItem *, QByteArray>;
+    using Snapshot = QMap<Timeline *, TrackSnapshot>;
+
+    EditHistory() = default;
+    ~EditHistory();
+    EditHistory(const EditHistory &) = delete;
+    EditHistory &operator=(const EditHistory &) = delete;
+
+    qint32 index = -1; // position of the snapshot that equals the present show, -1 when empty; never above 100
+    QList<Snapshot *> snapshots; // owned, oldest first
+
+    void clear();
+
+    // Takes a snapshot if the show differs from the present one; true if one was taken. Only what exists now is looked
+    // at: taking something away is no change by itself and enters with the next change.
+    bool record(const QList<Timeline *> &tracks);
+
+    // One snapshot back or forward, and the show made equal to it. True if a further step is possible both ways.
+    bool step(bool back, const QList<Timeline *> &tracks);
+};

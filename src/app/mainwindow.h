@@ -1,0 +1,284 @@
+// The main window, which is the document as well: it owns the tracks, the editor's state, the song and the history. Its
+// slots stand in the folders of the subsystems that they belong to (src/*/mainwindow_*.cpp), grouped below in the same
+// order. Slots named on_<object>_<signal> are connected by name when the form is set up.
+#pragma once
+
+#include "app/edithistory.h"
+#include "app/gadgetcatalogue.h"
+
+#include <QAudioDecoder>
+#include <QColor>
+#include <QList>
+#include <QMainWindow>
+#include <QMediaPlayer>
+#include <QPixmap>
+#include <QPointF>
+#include <QString>
+#include <QTime>
+#include <QVector>
+#include <QtCharts/QLineSeries>
+
+class ChartView;
+class QActionGroup;
+class QProgressDialog;
+class QSerialPort;
+class Timeline;
+class TimelineItem;
+class WorkerThread;
+
+namespace Ui {
+class MainWindow;
+}
+
+class MainWindow : public QMainWindow
+{
+    Q_OBJECT
+
+public:
+    explicit MainWindow(QWidget *parent = nullptr);
+    ~MainWindow() override;
+
+    QMediaPlayer *player = nullptr; // the song player, notifies every 10 ms
+    QList<Timeline *> timelines;    // all tracks in list order, never empty once the window stands
+    Timeline *currentTimeline =
+        nullptr;          // the track being edited, previewed and exported; never null once the window stands
+    int patternWidth = 0; // columns of the editor's picture at height ledCount
+    int pictureWidth = 0; // the same of the picture alone, without the gap
+    TimelineItem *currentItem = nullptr; // the pattern open in the editor, null in new mode
+    TimelineItem *previewItem = nullptr; // the pattern that the preview last showed
+    QString picPath;                     // where picture dialogs start
+    QString currentFile;                 // path of the open project, or the directory to offer
+    QPixmap textPixmap;                  // the editor's present results
+    QPixmap effectPixmap;
+    QPixmap picturePixmap;
+    QAudioDecoder *audioDecoder = nullptr; // null until a song is read
+    bool hasFile = false;                  // currentFile names a project that Save may overwrite without asking
+    bool modified = false;                 // set when a snapshot was taken
+    QActionGroup *languageGroup = nullptr;
+    QActionGroup *gadgetGroup = nullptr;
+    QActionGroup *chipGroup = nullptr;
+    QColor foreColor = Qt::white; // the editor's two colours, shared by its tabs
+    QColor backColor = Qt::black;
+    QVector<glow::Gadget> gadgetTable;
+    EditHistory history;
+    Ui::MainWindow *ui = nullptr;
+    ChartView *chartView = nullptr; // the waveform, hidden until a song is read
+
+    QProgressDialog *decodeProgress = nullptr; // of the running decode
+    QVector<QPointF> waveSamples;              // waveform points; more than 1 mean that a song is loaded
+    QtCharts::QLineSeries *waveSeries = nullptr;
+    double waveMax = 0; // largest absolute y of waveSamples
+
+    WorkerThread *uploadThread = nullptr; // null whenever no upload is under way
+
+    // True if a song is loaded: the player is the clock then.
+    bool hasSong() const { return waveSamples.size() > 1; }
+
+    // The computed repeat count of the picture now in the editor, at least 1 (see repeatrules.h).
+    int suggestRepeat() const;
+
+    // Counts the pictures whose files are gone and offers a search. 1 if nothing is lost, else 0.
+    int scanMissingPictures();
+
+    // Writes the frame data and the show header of the current track into the working directory; leaves the preview
+    // disabled. The track should hold at least one item.
+    void buildDeviceImage();
+
+    // Hides all tracks with their labels and schedules them for deletion; no member names one of them afterwards. The
+    // caller makes a fresh track and clears the history in the same step.
+    void discardTracks();
+
+    // The empty show that New and Load start from: one fresh track, new mode, the time fields at 0 and 5 seconds.
+    void resetDocument();
+
+signals:
+    void operate();
+    void Upload_Cancel_Clicked();
+
+public slots:
+    // app/mainwindow.cpp, app/mainwindow_files.cpp: the shell
+    void updateStatus();
+    void data_changed();
+    void outlog();
+    void on_actionPreference_triggered();
+    bool on_actionNew_triggered();
+    void on_actionLoad_triggered();
+    void on_actionSave_triggered();
+    void on_actionSaveas_triggered();
+    void LoadFile(QString path);
+    void on_actionChinese_triggered();
+    void on_actionEnglish_triggered();
+    void loadPresets();
+
+    // app/mainwindow_gadget.cpp: the prop
+    void gadgetchange(QAction *a);
+    void on_Leds_valueChanged(int arg1);
+    void on_FPS_V_valueChanged(int arg1);
+    void on_action_LED_M_triggered();
+
+    // app/mainwindow_editor.cpp: the pattern panel
+    void on_Mode_t1_timeChanged(const QTime &time);
+    void on_Mode_t2_timeChanged(const QTime &time);
+    void on_Mode_last_valueChanged(double seconds);
+    void on_Mode_loop_valueChanged(int count);
+    void on_suggest_valueChanged(int count);
+    void on_Speed_slide_valueChanged(int value);
+    void on_radio_speed_slide_toggled(bool on);
+    void on_NEW_radio_toggled(bool on);
+    void on_Mode_Pic_currentChanged(int index);
+    void on_Addbutton_hovered(bool over);
+    void on_Add_Button_clicked();
+    void on_actionEnter_triggered();
+    void loadItemToEditor(TimelineItem *item);
+
+    // app/mainwindow_history.cpp
+    void on_actionUndo_triggered();
+    void on_actionRedo_triggered();
+
+    // timeline/mainwindow_tracks.cpp: tracks, selection, drags, clipboard
+    void addTimeline(short index);
+    void on_timeline_Pressed(Timeline *t, bool update);
+    void on_timeline_add_clicked();
+    void on_timeline_remove_clicked();
+    void on_tlDuplicated_clicked(Timeline *t);
+    void on_timelineItem_Clicked(TimelineItem *item, bool moved);
+    void on_timeline_dragIn(Timeline *t);
+    void on_timelineItem_dragEnd(QByteArray orig, TimelineItem *item, Timeline *orig_tl);
+    void on_itemCopy_clicked();
+    void on_itemPaste_clicked();
+    void on_actionCopy_triggered();
+    void on_actionPaste_triggered();
+
+    // timeline/mainwindow_ruler.cpp: ruler, play-head, zoom
+    void on_timeline_scaler_valueChanged(int value);
+    void on_timeline_max_timeChanged(const QTime &time);
+    void on_timeline_scrolled(int delta);
+    void on_timeline_splitter_splitterMoved(int pos, int index);
+    void timeline_vertical_scroll_changed(int min, int max);
+    void on_timeline_headers_indicatorMoved(int x, bool user);
+
+    // song/mainwindow_song.cpp: loading a song
+    void on_SongRead_Button_clicked();
+    void ReadSong(QString path);
+    void readAudioBuffer();
+    void audioPlotting();
+    void decoder_PositionChanged(qlonglong ms);
+    void durationChanged(qlonglong t);
+    void cancel_decoder();
+    void on_Song_dir_linkHovered(const QString &link);
+
+    // song/mainwindow_clock.cpp: playing
+    void on_Song_play_clicked();
+    void on_Song_play_2_triggered();
+    void on_Song_Stop_clicked();
+    void on_Song_Slider_sliderMoved(int position);
+    void on_Song_time_editingFinished();
+    void positionChanged(qlonglong t);
+    void stateChanged(QMediaPlayer::State state);
+    void timerTimeout(qlonglong t);
+    void on_Song_rate_valueChanged(double arg1);
+    void on_Song_rec_clicked();
+
+    // render/mainwindow_picture.cpp
+    void picload(QString path);
+    void on_Pic_Loads_clicked();
+    void on_Pic_Capture_clicked();
+    void on_Pic_Slide_valueChanged(int value);
+    void on_Pic_revH_clicked(bool checked);
+    void on_Pic_revV_clicked(bool checked);
+
+    // render/mainwindow_text.cpp: text and colour
+    void on_text_Edit_textChanged(const QString &text);
+    void on_fontComboBox_currentIndexChanged(int index);
+    void on_Font_size_currentIndexChanged(int index);
+    void on_Text_slide_valueChanged(int value);
+    void on_Text_revH_stateChanged(int state);
+    void on_Text_revV_clicked(bool checked);
+    void on_text_rnum_valueChanged(int value);
+    void on_text_gnum_valueChanged(int value);
+    void on_text_bnum_valueChanged(int value);
+    void on_text_rslide_valueChanged(int value);
+    void on_text_gslide_valueChanged(int value);
+    void on_text_bslide_valueChanged(int value);
+    void on_text_bcolor_toggled(bool checked);
+    void on_Color_dialog_clicked();
+    void on_Color_Exc_clicked();
+    void on_Color_R_valueChanged(int arg1);
+    void on_Color_G_valueChanged(int arg1);
+    void on_Color_B_valueChanged(int arg1);
+    void on_R_slide_valueChanged(int value);
+    void on_G_slide_valueChanged(int value);
+    void on_B_slide_valueChanged(int value);
+    void on_Color_View_clicked();
+
+    // render/mainwindow_effect.cpp
+    void on_Spe_comboBox_currentIndexChanged(int index);
+    void on_Spe_comboBox_highlighted(int index);
+    void on_Spe_width_valueChanged(int value);
+    void on_Spe_revV_clicked();
+    void on_Spe_revH_clicked();
+    void on_Spe_color3_clicked();
+    void on_Spe_rnum_valueChanged(int value);
+    void on_Spe_gnum_valueChanged(int value);
+    void on_Spe_bnum_valueChanged(int value);
+    void on_Spe_rslide_valueChanged(int value);
+    void on_Spe_gslide_valueChanged(int value);
+    void on_Spe_bslide_valueChanged(int value);
+    void on_Spe_back_toggled(bool checked);
+    void on_Color_dialog_2_clicked();
+    void on_Color_Exc2_clicked();
+    void on_Spe_randon_clicked();
+
+    // preview/mainwindow_preview.cpp
+    void Oviewer_change(int r, int g, int b);
+    void Oviewer_change();
+    void glpreview_change(bool on, QPixmap pixmap, short leds, int fps, double seconds, int repeats);
+    void on_Oview_slide_valueChanged(int value);
+    void on_static_checkbox_toggled(bool checked);
+
+    // device/mainwindow_export.cpp, device/mainwindow_upload.cpp
+    void on_Ex_Button_clicked();
+    void on_UPload_Button_clicked();
+    void on_actionUpload_triggered();
+    void mySlot(int arg1, int arg2);
+    void warnex(QString str);
+    void finishup();
+    void terminateup();
+
+    // device/mainwindow_maintenance.cpp
+    void on_actionFormat_triggered();
+    void on_actionFirUpdate_triggered();
+    void updatesystem();
+    void on_action_admin_triggered();
+
+    // library/mainwindow_library.cpp
+    void on_actionDIR_triggered();
+    void on_actionSQL_triggered();
+    void on_actionAbout_triggered();
+
+public:
+    // The single place where the editor shows a picture in the preview: at the present LED count, duration and repeat
+    // count.
+    void previewInEditor(const QPixmap &pixmap);
+
+    // The preview of a pattern that stands on a track.
+    void previewPattern(const TimelineItem *item, double seconds);
+
+    // Label numbers and rows: the bottom row is 1, every label stands in its track's row.
+    void renumberTracks();
+
+    // Asks what to do about a picture pattern in the editor whose file is gone; a replacement goes to picload
+    // (library/mainwindow_library.cpp).
+    void askForLostPicture();
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
+
+private:
+    void buildGadgetMenu();
+    void applyLoadedGadget(int leds, float rate);
+    void setUpTitle(const QString &path);
+};

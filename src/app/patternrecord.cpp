@@ -1,0 +1,97 @@
+#include "app/patternrecord.h"
+
+#include <QBuffer>
+#include <QDataStream>
+#include <QImageReader>
+
+namespace glow {
+
+namespace {
+
+constexpr int msPerDay = 24 * 60 * 60 * 1000;
+
+// No pattern's thumbnail comes near this: 85 rows of 600000 columns. A header that claims more is foreign.
+constexpr qint64 largestThumbnail = 51000000;
+
+QPixmap readThumbnail(QDataStream &stream)
+{
+    qint32 marker = 0;
+    stream >> marker;
+    if (marker == 0 || stream.status() != QDataStream::Ok) {
+        return {};
+    }
+    // The stream's own operator decodes whatever size a header claims; looking at the size first keeps the decoder from
+    // asking for memory that no pattern needs.
+    QIODevice *device = stream.device();
+    const qint64 start = device->pos();
+    {
+        QImageReader probe(device, "png");
+        const QSize size = probe.size();
+        if (qint64(size.width()) * size.height() > largestThumbnail) {
+            stream.setStatus(QDataStream::ReadCorruptData);
+            return {};
+        }
+    }
+    device->seek(start);
+    QImageReader reader(device, "png");
+    const QImage image = reader.read();
+    if (image.isNull()) {
+        stream.setStatus(QDataStream::ReadPastEnd);
+        return {};
+    }
+    return QPixmap::fromImage(image);
+}
+
+void writeFields(QDataStream &stream, const PatternRecord &record)
+{
+    stream << record.thumbnail << record.startTime << record.endTime << record.solidColor << record.repeatCount
+           << record.patternKind << record.speedValue << record.settingsText;
+}
+
+} // namespace
+
+int msOf(const QTime &time)
+{
+    return time.msecsSinceStartOfDay();
+}
+
+QTime timeOf(int ms)
+{
+    const int wrapped = ms % msPerDay;
+    return QTime::fromMSecsSinceStartOfDay(wrapped < 0 ? wrapped + msPerDay : wrapped);
+}
+
+int durationMs(const PatternRecord &record)
+{
+    return msOf(record.endTime) - msOf(record.startTime);
+}
+
+PatternRecord readPattern(const QByteArray &blob)
+{
+    PatternRecord record;
+    QDataStream stream(blob);
+    record.thumbnail = readThumbnail(stream);
+    stream >> record.startTime >> record.endTime >> record.solidColor >> record.repeatCount >> record.patternKind >>
+        record.speedValue >> record.settingsText;
+    return record;
+}
+
+void overwritePattern(QByteArray &blob, const PatternRecord &record)
+{
+    QDataStream stream(&blob, QIODevice::WriteOnly);
+    writeFields(stream, record);
+}
+
+QByteArray writePattern(const PatternRecord &record)
+{
+    QByteArray blob;
+    overwritePattern(blob, record);
+    return blob;
+}
+
+QString timeText(const QTime &time)
+{
+    return time.toString(QStringLiteral("mm:ss.zzz"));
+}
+
+} // namespace glow

@@ -1,0 +1,71 @@
+// One track: a row that holds the patterns of the show as child widgets.
+#pragma once
+
+#include <QFrame>
+#include <QList>
+
+class MyLabel;
+class TimelineHeaders;
+class TimelineItem;
+
+class Timeline : public QFrame
+{
+    Q_OBJECT
+
+public:
+    explicit Timeline(TimelineHeaders *parent);
+
+    QList<TimelineItem *> items;      // after sortItems ascending by start; between sorts a new item stands at the end
+    TimelineItem *dragItem = nullptr; // the item being dragged over this track
+    MyLabel *rowLabel = nullptr;      // the track's number at the left of the row
+    TimelineHeaders *headers = nullptr; // the ruler; stays valid though the layout reparents the track
+    int grabOffset = 0;                 // x of the mouse inside the dragged item at the press
+    int rightLimit = 0;                 // neighbours of the dragged item, in track pixels
+    int leftLimit = 0;
+    int grabItemX = 0;            // x of the dragged item at the press
+    bool isCurrent = false;       // true on exactly one track
+    QWidget *readyBand = nullptr; // where a new pattern would land
+
+    // The pattern at a point of the track, or null: other children (the ready band) do not count.
+    TimelineItem *itemAt(int x, int y) const;
+
+    // Shows the ready band for a span, or hides it; a second show without a hide in between hides it.
+    void showReadyBand(bool show, int startMs, int lengthMs);
+
+signals:
+    void timelineMultiUpdated();
+    void timelineDeleteClicked();
+    void tlDuplicated_clicked(Timeline *track);
+    void wheelScrolled(int delta);
+    void itemClicked(TimelineItem *item, bool moved);
+    void itemDragEnd(QByteArray orig, TimelineItem *item, Timeline *orig_tl = nullptr);
+    void dragIn(Timeline *track);
+    void timelineDoubleClicked();
+    void timelinePressed(Timeline *track, bool update);
+    void mouseMoved(QMouseEvent *e);
+    void timelineSorted(Timeline *track);
+
+public slots:
+    void on_label_pressed(QMouseEvent *e);
+    void on_tlDuplicated_clicked();
+    void on_itemDoubleClicked(TimelineItem *item);
+    void on_itemClicked(TimelineItem *item, bool moved);
+    // Start-time order; of items with an equal start the later one in list order has priority.
+    void sortItems();
+    // Takes the item off the track and hides it. The object lives on: history and selection may still name it.
+    void deleteTimelineItem(TimelineItem *item);
+    // The only way onto a track. Neither sorts nor resolves collisions.
+    void addTimelineItem(TimelineItem *item);
+    void on_itemPaste_clicked();
+    // The collision pass: the item that moved wins, what it touches is trimmed, removed or split.
+    void on_itemDragEnd(QByteArray orig, TimelineItem *item, QWidget *orig_parent = nullptr);
+
+protected:
+    void mousePressEvent(QMouseEvent *e) override;
+    void mouseDoubleClickEvent(QMouseEvent *e) override;
+    void mouseMoveEvent(QMouseEvent *e) override;
+    void paintEvent(QPaintEvent *e) override;
+    void dragEnterEvent(QDragEnterEvent *e) override;
+    void dragMoveEvent(QDragMoveEvent *e) override;
+    void dropEvent(QDropEvent *e) override;
+};

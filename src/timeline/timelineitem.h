@@ -1,0 +1,56 @@
+// One pattern on a track: the widget and the record in one. The record's whole persistent state is the blob itemData.
+#pragma once
+
+#include "app/patternrecord.h"
+
+#include <QFont>
+#include <QPoint>
+#include <QPushButton>
+
+class TimelineItem : public QPushButton, public glow::PatternRecord
+{
+    Q_OBJECT
+
+public:
+    // Builds the item from a blob (see patternrecord.h; foreign bytes give nulls and zeros), places it and shows it.
+    TimelineItem(const QByteArray &data, QWidget *parent);
+
+    // Reads the blob into the members, keeps it as itemData, then places the widget, which encodes itemData anew.
+    void loadData(const QByteArray &data);
+
+    // Writes the members over itemData, without truncating it, and renews the tool tip.
+    void updateData();
+
+    // Places the widget from its times at the present zoom; with rewrite runs updateData afterwards.
+    void update_timeline_multi(bool rewrite);
+
+    // The only way in which a time of a placed item changes. In speed mode the repeat count follows.
+    void setTimes(const QTime &start, const QTime &end);
+
+    QByteArray itemData;   // the serialised record, always in step with the members
+    QFont itemFont;        // present and default-constructed; never stored
+    QString itemId;        // unique among live items while the program runs; recognises the item in a drag
+    QPoint pressPos;       // mouse position at the last left press, in the parent's coordinates
+    qint16 edgeMargin = 8; // width in pixels of the zone at each end where a press starts a resize
+    quint8 selected = 0;   // 1 while this is the item in the editor or pressed: drawn with a thick light outline
+
+signals:
+    void itemClicked(TimelineItem *item, bool moved);
+    void itemDoubleClicked(TimelineItem *item);
+    void itemDeleted(TimelineItem *item);
+    void itemCopyed(QByteArray data);
+    void dragEnd(QByteArray orig, TimelineItem *item, QWidget *orig_parent);
+
+public slots:
+    void update_timeline_multi();
+    void on_itemDelete_clicked();
+    void on_itemCopy_clicked();
+    void on_itemCut_clicked();
+
+protected:
+    void mousePressEvent(QMouseEvent *e) override;
+    void mouseMoveEvent(QMouseEvent *e) override;
+    void mouseReleaseEvent(QMouseEvent *e) override;
+    void mouseDoubleClickEvent(QMouseEvent *e) override;
+    void paintEvent(QPaintEvent *e) override;
+};

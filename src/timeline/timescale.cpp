@@ -1,0 +1,59 @@
+#include "timeline/timescale.h"
+
+#include <cmath>
+#include <limits>
+
+const float tickMs = 10.0F;
+float msPerPixel = 10.0F;
+const float wavePointsPerMs = 0.48F;
+
+namespace glow {
+
+int truncated(double value)
+{
+    // The bounds are exact in double: everything strictly between them truncates into the range of int.
+    if (!(value > -2147483649.0 && value < 2147483648.0)) {
+        return std::numeric_limits<int>::min();
+    }
+    return static_cast<int>(value);
+}
+
+int pixelOfTime(int ms)
+{
+    const float pixels = static_cast<float>(ms) / msPerPixel;
+    return truncated(static_cast<double>(pixels) + 0.5);
+}
+
+int timeOfPixel(int x)
+{
+    const float ms = static_cast<float>(x) * msPerPixel;
+    return truncated(static_cast<double>(ms));
+}
+
+int roundedTimeOfPixel(int x)
+{
+    const float ms = static_cast<float>(x) * msPerPixel;
+    return truncated(static_cast<double>(ms) + 0.5);
+}
+
+int widthOfLength(int ms)
+{
+    const float pixels = static_cast<float>(ms) / msPerPixel;
+    return truncated(static_cast<double>(pixels));
+}
+
+float msPerPixelOfSlider(int value)
+{
+    if (value == 0) {
+        return msPerPixel;
+    }
+    return static_cast<float>(640000 / (value * value)) / 10.0F;
+}
+
+int minimumItemWidth()
+{
+    const float pixels = 2 * tickMs / msPerPixel;
+    return truncated(static_cast<double>(pixels));
+}
+
+} // namespace glow
