@@ -5,6 +5,8 @@
 
 #include "app/edithistory.h"
 #include "app/gadgetcatalogue.h"
+#include "app/patternrecord.h"
+#include "app/settingstext.h"
 
 #include <QAudioDecoder>
 #include <QColor>
@@ -279,6 +281,13 @@ protected:
 
 private:
     void buildGadgetMenu();
-    void applyLoadedGadget(int leds, float rate);
+    // The panel's present state as a pattern; false if its tab has no picture.
+    bool editorPattern(glow::PatternRecord &record);
+    // Sets the tab of the settings' kind and shows it, which renders it. A kind that does not exist changes nothing.
+    // Old text files take a picture's path as it stands and have a quirk of their own with an effect's flips.
+    void fillEditor(const glow::SettingsText &settings, bool fromOldFile);
+    // Takes over the two numbers of an opened project and picks the catalogue row that has both, else the custom entry.
+    // A binary project also opens at the widest zoom.
+    void applyLoadedGadget(int leds, float rate, bool widestZoom);
     void setUpTitle(const QString &path);
 };

@@ -1,0 +1,112 @@
+#include "app/edithistory.h"
+
+#include "timeline/timeline.h"
+#include "timeline/timelineitem.h"
+
+namespace {
+
+// The newest position that the history reaches; beyond it the oldest snapshot goes.
+constexpr qint32 deepest = 100;
+
+// Blobs are shared between items and snapshots, so most comparisons end at the same address.
+bool sameBlob(const QByteArray &a, const QByteArray &b)
+{
+    return a.constData() == b.constData() ? a.size() == b.size() : a == b;
+}
+
+void restoreItem(Timeline *track, TimelineItem *item, const QByteArray &blob)
+{
+    auto *holder = qobject_cast<Timeline *>(item->parentWidget());
+    const bool moved = item->parentWidget() != track;
+    // A track that was removed since still lists what it held.
+    if (moved && holder != nullptr) {
+        holder->deleteTimelineItem(item);
+    }
+    if (moved || !sameBlob(blob, item->itemData)) {
+        item->loadData(blob);
+    }
+    if (!track->items.contains(item)) {
+        track->addTimelineItem(item);
+    }
+}
+
+} // namespace
+
+EditHistory::~EditHistory()
+{
+    clear();
+}
+
+void EditHistory::clear()
+{
+    qDeleteAll(snapshots);
+    snapshots.clear();
+    index = -1;
+}
+
+bool EditHistory::record(const QList<Timeline *> &tracks)
+{
+    static const Snapshot nothing;
+    const Snapshot &old = index >= 0 && index < snapshots.size() ? *snapshots.at(index) : nothing;
+    bool changed = false;
+    Snapshot fresh;
+    for (Timeline *track : tracks) {
+        const auto known = old.constFind(track);
+        const bool isNew = known == old.constEnd();
+        changed = changed || isNew;
+        TrackSnapshot &held = fresh[track];
+        for (TimelineItem *item : qAsConst(track->items)) {
+            held.insert(item, item->itemData);
+            changed = changed || isNew || !sameBlob(known->value(item), item->itemData);
+        }
+    }
+    if (!changed) {
+        return false;
+    }
+    while (index >= 0 && snapshots.size() - 1 > index) {
+        delete snapshots.takeLast();
+    }
+    snapshots.append(new Snapshot(fresh));
+    if (index >= deepest) {
+        delete snapshots.takeFirst();
+    } else {
+        ++index;
+    }
+    return true;
+}
+
+bool EditHistory::step(bool back, const QList<Timeline *> &tracks)
+{
+    if (back ? index < 1 : index >= snapshots.size() - 1) {
+        return false;
+    }
+    index += back ? -1 : 1;
+    const Snapshot &target = *snapshots.at(index);
+
+    // All removals come first: a pattern that changed tracks must have left the one before the other takes it.
+    for (Timeline *track : tracks) {
+        const auto held = target.constFind(track);
+        if (held == target.constEnd()) {
+            const auto children = track->findChildren<TimelineItem *>(QString(), Qt::FindDirectChildrenOnly);
+            for (TimelineItem *item : children) {
+                track->deleteTimelineItem(item);
+            }
+            continue;
+        }
+        const QList<TimelineItem *> present = track->items;
+        for (TimelineItem *item : present) {
+            if (!held->contains(item)) {
+                track->deleteTimelineItem(item);
+            }
+        }
+    }
+    for (auto held = target.constBegin(); held != target.constEnd(); ++held) {
+        if (!tracks.contains(held.key())) {
+            continue;
+        }
+        for (auto entry = held->constBegin(); entry != held->constEnd(); ++entry) {
+            restoreItem(held.key(), entry.key(), entry.value());
+        }
+    }
+    return index > 0 && index < snapshots.size() - 1;
+}

@@ -1,0 +1,198 @@
+// The window's construction and its window-level events.
+#include "app/mainwindow.h"
+
+#include "app/appsettings.h"
+#include "app/propvalues.h"
+#include "render/randomdraw.h"
+#include "resources/resources.h"
+#include "song/chartview.h"
+#include "song/mytime.h"
+#include "timeline/mylabel.h"
+#include "timeline/timeline.h"
+#include "timeline/timelineitem.h"
+#include "timeline/timescale.h"
+#include "ui_mainwindow.h"
+
+#include <QActionGroup>
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QDebug>
+#include <QDir>
+#include <QGuiApplication>
+#include <QKeyEvent>
+#include <QMessageBox>
+#include <QScreen>
+#include <QScrollBar>
+
+namespace {
+
+// The smallest screen on which the whole window stands.
+constexpr int leastScreenWidth = 1280;
+constexpr int leastScreenHeight = 720;
+
+// What a form's set-up asks of the resources must be there before the form.
+Ui::MainWindow *newForm()
+{
+    glow::initResources();
+    return new Ui::MainWindow;
+}
+
+} // namespace
+
+MainWindow::MainWindow(QWidget *parent)
+    : QMainWindow(parent)
+    , ui(newForm())
+{
+    ui->setupUi(this);
+    glow::applyStyle(*this);
+    patternWidth = ui->Leds->value();
+    ledCount = static_cast<qint16>(ui->Leds->value());
+
+    connect(ui->dockWidget_3, &QDockWidget::topLevelChanged, this, [this](bool floats) {
+        if (floats) {
+            ui->dockWidget_3->setGeometry(ui->dockWidget_3->x(), ui->dockWidget_3->y(), 50, 50);
+        }
+    });
+    connect(ui->timeline_scroll, &ScrollArea::scrolled_with_ctl, this, &MainWindow::on_timeline_scrolled);
+    connect(ui->Song_time, &myTime::timer_timeout, this, &MainWindow::timerTimeout);
+
+    glow::seedRandomDraws(QTime::currentTime().msecsSinceStartOfDay());
+
+    player = new QMediaPlayer(this, QMediaPlayer::StreamPlayback);
+    player->setNotifyInterval(static_cast<int>(tickMs));
+    languageGroup = new QActionGroup(this);
+    gadgetGroup = new QActionGroup(this);
+    chipGroup = new QActionGroup(this);
+    languageGroup->addAction(ui->actionChinese);
+    languageGroup->addAction(ui->actionEnglish);
+    languageGroup->setExclusive(true);
+
+    on_timeline_add_clicked();
+
+    ui->audio_frame->setAttribute(Qt::WA_TransparentForMouseEvents);
+    on_timeline_max_timeChanged(ui->timeline_max->time());
+    ui->Song_Slider->setMaximum(glow::msOf(ui->timeline_max->time()));
+
+    QScrollBar *rows = ui->timeline_scroll_2->verticalScrollBar();
+    connect(rows, &QScrollBar::rangeChanged, this, &MainWindow::timeline_vertical_scroll_changed);
+    connect(ui->timeline_vertical_scrollbar, &QScrollBar::valueChanged, rows, &QScrollBar::setValue);
+    connect(ui->timeline_vertical_scrollbar, &QScrollBar::valueChanged, ui->timeline_rowheader->verticalScrollBar(),
+            &QScrollBar::setValue);
+
+    connect(ui->Add_Button, &MyButton::hovered, this, &MainWindow::on_Addbutton_hovered);
+    chartView = new ChartView(ui->audio_frame);
+    chartView->hide();
+    chipGroup->addAction(ui->actionCX2802);
+    chipGroup->addAction(ui->actionAPA102C);
+    chipGroup->setExclusive(true);
+    setAcceptDrops(true);
+
+    on_text_Edit_textChanged(ui->text_Edit->text());
+    loadPresets();
+
+    modified = false;
+    ui->action_admin->setEnabled(true);
+
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    if (screen != nullptr &&
+        (screen->size().width() < leastScreenWidth || screen->size().height() < leastScreenHeight)) {
+        QMessageBox::warning(this, tr("解析度過低"), tr("最低解析度1280*720"), QMessageBox::Ok);
+    }
+
+    history.clear();
+    updateStatus();
+    ui->statusBar->showMessage(QStringLiteral("WELCOME!!"));
+}
+
+MainWindow::~MainWindow()
+{
+    delete ui;
+}
+
+void MainWindow::loadPresets()
+{
+    buildGadgetMenu();
+
+    const AppSettings settings;
+    picPath = settings.value(QStringLiteral("main/currentpicpath"), QDir::homePath() + QStringLiteral("/Pictures"))
+                  .toString();
+    currentFile =
+        settings.value(QStringLiteral("main/currentfile"), QDir::homePath() + QStringLiteral("/Documents")).toString();
+    if (QAction *language =
+            languageGroup->actions().value(settings.value(QStringLiteral("main/language")).toInt() - 1)) {
+        language->setChecked(true);
+    }
+    if (QAction *gadget = gadgetGroup->actions().value(settings.value(QStringLiteral("main/gadget")).toInt())) {
+        emit gadget->triggered();
+        gadget->toggle();
+    }
+    ui->Mode_Pic->setCurrentIndex(0);
+    ui->Add_Button->setEnabled(false);
+
+    const QString argument = QCoreApplication::arguments().value(1);
+    if (!argument.isEmpty()) {
+        LoadFile(argument);
+    }
+}
+
+void MainWindow::updateStatus()
+{
+    int count = 0;
+    for (const Timeline *track : qAsConst(timelines)) {
+        count += track->items.size();
+    }
+    ui->Saved_status->setText(tr("圖樣數：") + QString::number(count));
+    if (!history.record(timelines)) {
+        return;
+    }
+    modified = true;
+    // A project's title ends in two blanks so that the mark has a place; the bare name of a new show has none.
+    QString title = windowTitle();
+    if (title.size() > int(qstrlen("Glowsmith"))) {
+        title[title.size() - 1] = u'*';
+        setWindowTitle(title);
+    }
+}
+
+void MainWindow::data_changed()
+{
+    qDebug() << "data changed";
+}
+
+void MainWindow::outlog() {}
+
+void MainWindow::on_actionPreference_triggered() {}
+
+void MainWindow::closeEvent(QCloseEvent *event)
+{
+    AppSettings settings;
+    settings.setValue(QStringLiteral("window/size"), size());
+    settings.setValue(QStringLiteral("window/maximize"), isMaximized());
+    settings.sync();
+
+    const auto answer =
+        QMessageBox::question(this, QString(), tr("<font color='white'>關閉前儲存？</font>"),
+                              QMessageBox::Save | QMessageBox::No | QMessageBox::Cancel, QMessageBox::Save);
+    if (answer == QMessageBox::Save) {
+        on_actionSave_triggered();
+        event->accept();
+    } else if (answer == QMessageBox::No) {
+        event->accept();
+    } else {
+        event->ignore();
+    }
+}
+
+void MainWindow::keyPressEvent(QKeyEvent *event)
+{
+    QScrollBar *bar = ui->timeline_scroll->horizontalScrollBar();
+    const int scrolled = bar->value();
+    if (event->key() == Qt::Key_Delete && currentItem != nullptr) {
+        qDebug() << "item delete key press";
+        currentTimeline->deleteTimelineItem(currentItem);
+        currentItem = nullptr;
+        ui->NEW_radio->setChecked(true);
+        updateStatus();
+    }
+    bar->setValue(scrolled);
+}

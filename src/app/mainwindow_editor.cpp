@@ -1,0 +1,232 @@
+// The pattern panel: its fields keep each other in step, and a pattern goes from here onto the current track.
+#include "app/mainwindow.h"
+
+#include "app/propvalues.h"
+#include "app/repeatrules.h"
+#include "app/settingstext.h"
+#include "song/mytime.h"
+#include "timeline/indicator.h"
+#include "timeline/timeline.h"
+#include "timeline/timelineheaders.h"
+#include "timeline/timelineitem.h"
+#include "timeline/timescale.h"
+#include "ui_mainwindow.h"
+
+#include <QFile>
+#include <QSignalBlocker>
+
+int MainWindow::suggestRepeat() const
+{
+    return glow::suggestedRepeat(ui->Mode_last->value(), ui->Speed_slide->value(), patternWidth, frameRate);
+}
+
+void MainWindow::on_Mode_t1_timeChanged(const QTime &time)
+{
+    ui->Mode_t2->setTime(glow::timeOf(glow::truncated(ui->Mode_last->value() * 1000 + glow::msOf(time))));
+}
+
+void MainWindow::on_Mode_t2_timeChanged(const QTime &time)
+{
+    ui->Mode_last->setValue((glow::msOf(time) - glow::msOf(ui->Mode_t1->time())) / 1000.0);
+}
+
+void MainWindow::on_Mode_last_valueChanged(double seconds)
+{
+    ui->suggest->setValue(suggestRepeat());
+    ui->Mode_loop->blockSignals(false);
+    const QSignalBlocker blocker(ui->Mode_t2);
+    // Rounded here, cut when the start moves.
+    ui->Mode_t2->setTime(glow::timeOf(glow::msOf(ui->Mode_t1->time()) + glow::truncated(seconds * 1000 + 0.5)));
+}
+
+void MainWindow::on_Mode_loop_valueChanged(int count)
+{
+    Q_UNUSED(count)
+    // Typing a count selects fixed mode; setting it by program does not.
+    if (ui->Mode_loop->hasFocus()) {
+        ui->radio_speed_m->setChecked(true);
+    }
+    switch (ui->Mode_Pic->currentIndex()) {
+    case glow::PicturePattern:
+        previewInEditor(picturePixmap);
+        break;
+    case glow::ColourPattern:
+        Oviewer_change();
+        break;
+    case glow::TextPattern:
+        previewInEditor(textPixmap);
+        break;
+    case glow::EffectPattern:
+        previewInEditor(effectPixmap);
+        break;
+    default:
+        break;
+    }
+}
+
+void MainWindow::on_suggest_valueChanged(int count)
+{
+    if (ui->radio_speed_slide->isChecked()) {
+        ui->Mode_loop->setValue(count);
+    }
+}
+
+void MainWindow::on_Speed_slide_valueChanged(int value)
+{
+    Q_UNUSED(value)
+    ui->suggest->setValue(suggestRepeat());
+}
+
+void MainWindow::on_radio_speed_slide_toggled(bool on)
+{
+    ui->Mode_loop->setEnabled(!on);
+    if (on) {
+        ui->Mode_loop->setValue(ui->suggest->value());
+    }
+}
+
+void MainWindow::on_NEW_radio_toggled(bool on)
+{
+    if (!on) {
+        ui->Add_Button->setText(tr("確認編輯"));
+        return;
+    }
+    if (currentItem != nullptr) {
+        currentItem->selected = 0;
+        currentItem->update();
+    }
+    currentItem = nullptr;
+    ui->Add_Button->setText(tr("新增"));
+    ui->Mode_t1->setTime(ui->timeline_headers->indicator->indicatorTime);
+}
+
+void MainWindow::on_Mode_Pic_currentChanged(int index)
+{
+    ui->suggest->setEnabled(false);
+    const bool canAdd = index != glow::PicturePattern || QFile::exists(ui->PicDir->text());
+    ui->Add_Button->setEnabled(canAdd);
+    switch (index) {
+    case glow::PicturePattern:
+        if (canAdd) {
+            picload(ui->PicDir->text());
+        }
+        break;
+    case glow::ColourPattern: {
+        // The fields write foreColor as they change, so its channels are noted first.
+        const QColor colour = foreColor;
+        ui->Color_R->setValue(colour.red());
+        ui->Color_G->setValue(colour.green());
+        ui->Color_B->setValue(colour.blue());
+        Oviewer_change();
+        break;
+    }
+    case glow::TextPattern: {
+        ui->text_fcolor->setChecked(true);
+        const QColor colour = foreColor;
+        ui->text_rnum->setValue(colour.red());
+        ui->text_gnum->setValue(colour.green());
+        ui->text_bnum->setValue(colour.blue());
+        on_text_Edit_textChanged(ui->text_Edit->text());
+        break;
+    }
+    case glow::EffectPattern: {
+        ui->Spe_front->setChecked(true);
+        const QColor colour = foreColor;
+        ui->Spe_rnum->setValue(colour.red());
+        ui->Spe_gnum->setValue(colour.green());
+        ui->Spe_bnum->setValue(colour.blue());
+        on_Spe_comboBox_currentIndexChanged(ui->Spe_comboBox->currentIndex());
+        break;
+    }
+    default:
+        break;
+    }
+    ui->suggest->setValue(suggestRepeat());
+}
+
+void MainWindow::on_Addbutton_hovered(bool over)
+{
+    const bool idle = player->state() != QMediaPlayer::PlayingState && !ui->Song_time->clockTimer->isActive();
+    const bool show = over && ui->NEW_radio->isChecked() && idle;
+    currentTimeline->showReadyBand(show, glow::msOf(ui->Mode_t1->time()),
+                                   glow::truncated(ui->Mode_last->value() * 1000));
+}
+
+bool MainWindow::editorPattern(glow::PatternRecord &record)
+{
+    record.startTime = ui->Mode_t1->time();
+    record.endTime = ui->Mode_t2->time();
+    record.patternKind = ui->Mode_Pic->currentIndex();
+    record.repeatCount = ui->Mode_loop->value();
+    record.speedValue = ui->radio_speed_slide->isChecked() ? ui->Speed_slide->value() : 0;
+
+    QPixmap picture;
+    switch (record.patternKind) {
+    case glow::PicturePattern:
+        if (picturePixmap.isNull()) {
+            return false;
+        }
+        picture = picturePixmap.scaledToHeight(80, Qt::SmoothTransformation);
+        record.settingsText = glow::composePicture(record.repeatCount, ui->PicDir->text(), ui->Pic_Slide->value(),
+                                                   ui->Pic_revH->isChecked(), ui->Pic_revV->isChecked());
+        break;
+    case glow::ColourPattern:
+        picture = QPixmap(80, 80);
+        picture.fill(QColor(foreColor.red(), foreColor.green(), foreColor.blue(), 255));
+        record.solidColor = QColor(ui->Color_R->value(), ui->Color_G->value(), ui->Color_B->value(), 255);
+        record.settingsText = glow::composeColour(foreColor);
+        break;
+    case glow::TextPattern:
+        picture = textPixmap;
+        record.settingsText =
+            glow::composeText(record.repeatCount, foreColor, backColor, ui->text_Edit->text(),
+                              ui->fontComboBox->currentIndex(), ui->Font_size->currentIndex(), ui->Text_slide->value(),
+                              ui->Text_revH->isChecked(), ui->Text_revV->isChecked());
+        break;
+    default:
+        picture = effectPixmap;
+        record.settingsText = glow::composeEffect(
+            record.repeatCount, foreColor, backColor, ui->Spe_comboBox->currentIndex(), ui->Spe_color3->checkState(),
+            ui->Spe_width->value(), ui->Spe_revH->isChecked(), ui->Spe_revV->isChecked());
+        break;
+    }
+    if (!picture.isNull()) {
+        record.thumbnail = picture.scaledToHeight(85, Qt::SmoothTransformation);
+    }
+    return true;
+}
+
+void MainWindow::on_Add_Button_clicked()
+{
+    // A spin box that is being typed in commits when it loses the focus.
+    ui->Add_Button->setFocus();
+    glow::PatternRecord record;
+    if (!editorPattern(record)) {
+        return;
+    }
+    const QByteArray blob = glow::writePattern(record);
+    // Each time field that changes below would render the preview again.
+    ui->Mode_loop->blockSignals(true);
+    TimelineItem *item = currentItem;
+    if (ui->NEW_radio->isChecked()) {
+        item = new TimelineItem(blob, currentTimeline);
+        currentTimeline->addTimelineItem(item);
+        ui->Mode_t1->setTime(ui->Mode_t2->time());
+        ui->Mode_t2->setTime(
+            glow::timeOf(glow::msOf(ui->Mode_t1->time()) + glow::truncated(ui->Mode_last->value() * 1000)));
+        ui->timeline_scroll->ensureWidgetVisible(item, 50, 50);
+        ui->timeline_headers->indicator->setIndicatorTime(item->endTime, false);
+    } else if (item != nullptr) {
+        item->loadData(blob);
+    }
+    if (item != nullptr) {
+        currentTimeline->on_itemDragEnd(blob, item, nullptr);
+    }
+    ui->Mode_loop->blockSignals(false);
+    updateStatus();
+}
+
+void MainWindow::on_actionEnter_triggered()
+{
+    on_Add_Button_clicked();
+}

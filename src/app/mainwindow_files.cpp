@@ -1,0 +1,119 @@
+// The document as a whole: new, load, files dropped on the window, the language for the next start.
+#include "app/mainwindow.h"
+
+#include "app/appsettings.h"
+#include "timeline/mylabel.h"
+#include "timeline/timeline.h"
+#include "ui_mainwindow.h"
+
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QUrl>
+
+void MainWindow::discardTracks()
+{
+    // Tracks that were removed earlier are still there, hidden; they go as well.
+    const auto tracks = findChildren<Timeline *>();
+    for (Timeline *track : tracks) {
+        track->hide();
+        ui->timeline_layout->removeWidget(track);
+        track->deleteLater();
+    }
+    const auto labels = findChildren<MyLabel *>();
+    for (MyLabel *label : labels) {
+        label->hide();
+        ui->timeline_rowheader_layout->removeWidget(label);
+        label->deleteLater();
+    }
+    timelines.clear();
+    currentTimeline = nullptr;
+    currentItem = nullptr;
+    previewItem = nullptr;
+}
+
+void MainWindow::resetDocument()
+{
+    discardTracks();
+    // The snapshots name what was just given up.
+    history.clear();
+    on_timeline_add_clicked();
+    ui->NEW_radio->toggle();
+    ui->NEW_radio->setChecked(true);
+    ui->Mode_t1->setTime(QTime(0, 0));
+    ui->Mode_t2->setTime(QTime(0, 0, 5));
+}
+
+bool MainWindow::on_actionNew_triggered()
+{
+    const auto answer =
+        QMessageBox::warning(this, QString(), tr("<font color='white'>未儲存部分將會流失，確定開啟新檔?</font>"),
+                             QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Cancel);
+    const bool renewed = answer == QMessageBox::Yes;
+    if (renewed) {
+        resetDocument();
+        setWindowTitle(QStringLiteral("Glowsmith"));
+    }
+    // Also after Cancel the show has no file and no past any more.
+    hasFile = false;
+    history.clear();
+    updateStatus();
+    return renewed;
+}
+
+void MainWindow::on_actionLoad_triggered()
+{
+    const auto answer =
+        QMessageBox::warning(this, QString(), tr("<font color='white'>未儲存部分將會流失，確定讀取舊檔?</font>"),
+                             QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Yes);
+    if (answer != QMessageBox::Yes) {
+        return;
+    }
+    const QString path = QFileDialog::getOpenFileName(this, tr("讀檔"), currentFile, QStringLiteral("*.gsw *.gsw3"));
+    if (!path.isEmpty()) {
+        LoadFile(path);
+    }
+}
+
+void MainWindow::on_actionChinese_triggered()
+{
+    QMessageBox::about(this, QString(), QStringLiteral("重啟程式後生效"));
+    AppSettings().setValue(QStringLiteral("main/language"), 1);
+}
+
+void MainWindow::on_actionEnglish_triggered()
+{
+    QMessageBox::about(this, QString(), QStringLiteral("Change after restart."));
+    AppSettings().setValue(QStringLiteral("main/language"), 2);
+}
+
+void MainWindow::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (event->mimeData()->hasFormat(QStringLiteral("text/uri-list"))) {
+        event->acceptProposedAction();
+    }
+}
+
+void MainWindow::dropEvent(QDropEvent *event)
+{
+    const QString path = event->mimeData()->urls().value(0).toLocalFile();
+    if (path.isEmpty()) {
+        return;
+    }
+    const QString suffix = path.section(u'.', -1);
+    if (suffix == QLatin1String("gsw") || suffix == QLatin1String("gsw3")) {
+        if (on_actionNew_triggered()) {
+            LoadFile(path);
+            scanMissingPictures();
+        }
+    } else if (suffix == QLatin1String("mp3") || suffix == QLatin1String("wav")) {
+        ReadSong(path);
+    } else if (suffix == QLatin1String("jpg") || suffix == QLatin1String("png")) {
+        picload(path);
+        ui->Mode_Pic->setCurrentIndex(0);
+    } else {
+        QMessageBox::warning(this, QString(), tr("無法辨識的副檔名 .") + suffix, QMessageBox::Ok);
+    }
+}
