@@ -17,17 +17,20 @@ bool sameBlob(const QByteArray &a, const QByteArray &b)
 void restoreItem(Timeline *track, TimelineItem *item, const QByteArray &blob)
 {
     auto *holder = qobject_cast<Timeline *>(item->parentWidget());
-    const bool moved = item->parentWidget() != track;
-    // A track that was removed since still lists what it held.
-    if (moved && holder != nullptr) {
-        holder->deleteTimelineItem(item);
-    }
-    if (moved || !sameBlob(blob, item->itemData)) {
+    const bool placed = holder == track && track->items.contains(item);
+    if (holder != track || !sameBlob(blob, item->itemData)) {
         item->loadData(blob);
     }
-    if (!track->items.contains(item)) {
-        track->addTimelineItem(item);
+    if (placed) {
+        return;
     }
+    // Whatever still lists or shows it lets go first, a track that was removed since included: so nothing is ever listed or
+    // connected twice.
+    if (holder != nullptr && holder != track) {
+        holder->deleteTimelineItem(item);
+    }
+    track->deleteTimelineItem(item);
+    track->addTimelineItem(item);
 }
 
 } // namespace
