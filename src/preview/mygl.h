@@ -1,0 +1,44 @@
+// The preview: the simulated prop as a widget that runs freely on a clock of its own.
+//
+// It is an OpenGL widget only for its fast surface; everything is drawn through QPainter. Where the system gives no
+// OpenGL context (remote desktops, the offscreen platform) a plain child widget shows the same picture at a slower
+// pace.
+#pragma once
+
+#include "preview/propsimulator.h"
+
+#include <QOpenGLFunctions>
+#include <QOpenGLWidget>
+#include <QTimer>
+
+class MyGL : public QOpenGLWidget, protected QOpenGLFunctions, public glow::PropSimulator
+{
+    Q_OBJECT
+
+public:
+    explicit MyGL(QWidget *parent = nullptr);
+
+    // Shows a pattern from its column 0: the picture is brought to leds rows and to the columns of one repetition; a
+    // null one counts as black. fps is not used.
+    void setPattern(const QPixmap &pixmap, short leds, int fps, double seconds, int repeats);
+
+    // True while the plain child widget paints in place of OpenGL.
+    bool paintsByRaster() const { return rasterView != nullptr; }
+
+    QTimer repaintTimer; // 1 ms: repaints as fast as the system allows
+    QTimer fpsTimer;     // 500 ms: renews the frame rate text
+
+public slots:
+    void update_fps();
+
+protected:
+    void initializeGL() override;
+    void paintGL() override;
+    void resizeEvent(QResizeEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+
+private:
+    void replaceMissingSurface();
+
+    QWidget *rasterView = nullptr;
+};
