@@ -4,7 +4,8 @@
 
 namespace glow {
 
-// The generator is shared with all of Qt's standard one, so that seeding that one makes a sequence repeatable from outside.
+// The generator is shared with all of Qt's standard one, so that seeding that one makes a sequence repeatable from
+// outside.
 QT_WARNING_PUSH
 QT_WARNING_DISABLE_DEPRECATED
 
