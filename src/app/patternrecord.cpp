@@ -1,6 +1,7 @@
 #include "app/patternrecord.h"
 
-#include <QBuffer>
+#include "app/repeatrules.h"
+
 #include <QDataStream>
 #include <QImageReader>
 
@@ -64,6 +65,16 @@ QTime timeOf(int ms)
 int durationMs(const PatternRecord &record)
 {
     return msOf(record.endTime) - msOf(record.startTime);
+}
+
+void retime(PatternRecord &record, const QTime &start, const QTime &end, int leds, float rate)
+{
+    record.startTime = start;
+    record.endTime = end;
+    if (record.speedValue != 0) {
+        record.repeatCount =
+            placedRepeat(durationMs(record), record.speedValue, columnsAtHeight(record.thumbnail, leds), rate);
+    }
 }
 
 PatternRecord readPattern(const QByteArray &blob)

@@ -46,6 +46,9 @@ QTime timeOf(int ms);
 // End minus start, signed milliseconds.
 int durationMs(const PatternRecord &record);
 
+// The one rule by which a placed pattern changes its times: in speed mode its repeat count follows (see repeatrules.h).
+void retime(PatternRecord &record, const QTime &start, const QTime &end, int leds, float rate);
+
 // Reads the eight fields without any check: what a short or foreign blob does not hold comes out as nulls, zeros and
 // empty strings. A thumbnail whose header claims a size beyond what any pattern has is not decoded and stays null, so
 // foreign bytes cannot ask for absurd memory.
