@@ -1,0 +1,123 @@
+// glowsmith-cli info: what a project holds.
+#include "cli.h"
+
+#include "app/gadgetcatalogue.h"
+#include "app/patternrecord.h"
+#include "app/settingstext.h"
+#include "library/missingpictures.h"
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace cli {
+
+namespace {
+
+QString kindName(int kind)
+{
+    static const QStringList names = {QStringLiteral("picture"), QStringLiteral("colour"), QStringLiteral("text"),
+                                      QStringLiteral("effect")};
+    return names.value(kind, QStringLiteral("unknown"));
+}
+
+QJsonObject describePattern(const glow::PatternRecord &record)
+{
+    QJsonObject pattern{{QStringLiteral("kind"), kindName(record.patternKind)},
+                        {QStringLiteral("startMs"), glow::msOf(record.startTime)},
+                        {QStringLiteral("endMs"), glow::msOf(record.endTime)},
+                        {QStringLiteral("repeats"), record.repeatCount},
+                        {QStringLiteral("speed"), record.speedValue}};
+    if (glow::namesPicture(record.settingsText)) {
+        pattern[QStringLiteral("picture")] = glow::parseSettings(record.settingsText).picturePath();
+        pattern[QStringLiteral("lost")] = glow::isPictureLost(record.settingsText);
+    }
+    return pattern;
+}
+
+QJsonObject describe(const glow::Project &project)
+{
+    const QVector<glow::Gadget> gadgets = glow::builtInGadgets();
+    const int row = glow::findGadget(gadgets, project.ledCount, project.frameRate);
+    QJsonArray tracks;
+    int lost = 0;
+    for (const QVector<QByteArray> &blobs : project.tracks) {
+        QJsonArray patterns;
+        for (const QByteArray &blob : blobs) {
+            const QJsonObject pattern = describePattern(glow::readPattern(blob));
+            lost += pattern.value(QStringLiteral("lost")).toBool() ? 1 : 0;
+            patterns.append(pattern);
+        }
+        tracks.append(patterns);
+    }
+    return {{QStringLiteral("leds"), project.ledCount},
+            {QStringLiteral("columnRate"), double(project.frameRate)},
+            {QStringLiteral("prop"), row < 0 ? QJsonValue() : QJsonValue(gadgets.at(row).name)},
+            {QStringLiteral("song"), project.hasSong() ? QJsonValue(project.songPath) : QJsonValue()},
+            {QStringLiteral("songLost"), project.hasSong() && !QFile::exists(project.songPath)},
+            {QStringLiteral("tracks"), tracks},
+            {QStringLiteral("lostPictures"), lost}};
+}
+
+void printPlain(const QJsonObject &facts)
+{
+    const QString prop = facts.value(QStringLiteral("prop")).toString(QStringLiteral("custom prop"));
+    print(QStringLiteral("prop          %1, %2 LEDs, %3 columns a second")
+              .arg(prop)
+              .arg(facts.value(QStringLiteral("leds")).toInt())
+              .arg(facts.value(QStringLiteral("columnRate")).toDouble()));
+    const QString lostSong = facts.value(QStringLiteral("songLost")).toBool() ? QStringLiteral(" (lost)") : QString();
+    print(QStringLiteral("song          ") + facts.value(QStringLiteral("song")).toString(QStringLiteral("none")) +
+          lostSong);
+    print(QStringLiteral("lost pictures %1").arg(facts.value(QStringLiteral("lostPictures")).toInt()));
+    int number = 0;
+    const QJsonArray tracks = facts.value(QStringLiteral("tracks")).toArray();
+    for (const QJsonValue &track : tracks) {
+        const QJsonArray patterns = track.toArray();
+        print(QStringLiteral("track %1       %2 patterns").arg(++number).arg(patterns.size()));
+        for (const QJsonValue &value : patterns) {
+            const QJsonObject pattern = value.toObject();
+            QString line = QStringLiteral("  %1 - %2  %3 x%4")
+                               .arg(glow::timeText(glow::timeOf(pattern.value(QStringLiteral("startMs")).toInt())),
+                                    glow::timeText(glow::timeOf(pattern.value(QStringLiteral("endMs")).toInt())))
+                               .arg(pattern.value(QStringLiteral("kind")).toString(), -8)
+                               .arg(pattern.value(QStringLiteral("repeats")).toInt());
+            if (pattern.contains(QStringLiteral("picture"))) {
+                line += QStringLiteral("  ") + pattern.value(QStringLiteral("picture")).toString();
+            }
+            if (pattern.value(QStringLiteral("lost")).toBool()) {
+                line += QStringLiteral(" (lost)");
+            }
+            print(line);
+        }
+    }
+}
+
+} // namespace
+
+int info(const QStringList &arguments)
+{
+    Command command(QStringLiteral("info"), QStringLiteral("Tells what a project holds."),
+                    QStringLiteral("glowsmith-cli info show.gsw3 --json"));
+    const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Prints the facts as JSON."));
+    command.parser.addOption(json);
+    command.parser.addPositionalArgument(QStringLiteral("PROJECT"), QStringLiteral("A .gsw3 project."));
+    int code = Done;
+    glow::Project project;
+    if (!command.parse(arguments, 1, code)) {
+        return code;
+    }
+    if (!openProject(command.operand(0), project)) {
+        return Failed;
+    }
+    const QJsonObject facts = describe(project);
+    if (command.parser.isSet(json)) {
+        print(QString::fromUtf8(QJsonDocument(facts).toJson()).trimmed());
+    } else {
+        printPlain(facts);
+    }
+    return Done;
+}
+
+} // namespace cli

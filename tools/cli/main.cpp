@@ -1,0 +1,74 @@
+// glowsmith-cli: shows without a window.
+#include "cli.h"
+
+#include "resources/resources.h"
+
+#include <QGuiApplication>
+
+namespace {
+
+struct Entry
+{
+    const char *name;
+    const char *does;
+    int (*run)(const QStringList &);
+};
+
+constexpr Entry entries[] = {
+    {"info", "what a project holds: prop, song, tracks, patterns, lost pictures", cli::info},
+    {"check", "what the prop will not show as drawn", cli::check},
+    {"export", "write a track as a .bin file, as the window does", cli::exportShow},
+    {"show", "draw what the prop will show as a picture", cli::show},
+    {"relink", "find lost pictures in a folder", cli::relink},
+    {"pictures", "gather the project's pictures in a folder", cli::pictures},
+    {"upload", "send a track to the prop", cli::upload},
+};
+
+QString usage()
+{
+    QString text = QStringLiteral("Usage: glowsmith-cli COMMAND [ARGUMENTS]\n\nCommands:\n");
+    for (const Entry &entry : entries) {
+        text += QStringLiteral("  %1 %2\n").arg(QLatin1String(entry.name), -10).arg(QLatin1String(entry.does));
+    }
+    text += QStringLiteral("\nglowsmith-cli COMMAND --help tells more.\n\n"
+                           "Examples:\n"
+                           "  glowsmith-cli info show.gsw3\n"
+                           "  glowsmith-cli check show.gsw3 --json\n"
+                           "  glowsmith-cli export show.gsw3 -o show.bin\n\n"
+                           "Exit codes: 0 done, 1 it could not be done (or check found something), 2 wrong use.");
+    return text;
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    // Pictures are drawn and decoded, but nothing is ever shown: no display is needed.
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+    const QGuiApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("glowsmith-cli"));
+    QCoreApplication::setApplicationVersion(QStringLiteral("3.104"));
+    glow::initResources();
+
+    QStringList arguments = QCoreApplication::arguments();
+    arguments.removeFirst();
+    const QString name = arguments.isEmpty() ? QString() : arguments.takeFirst();
+    if (name == QLatin1String("--help") || name == QLatin1String("-h")) {
+        cli::print(usage());
+        return cli::Done;
+    }
+    if (name == QLatin1String("--version") || name == QLatin1String("-v")) {
+        cli::print(QStringLiteral("glowsmith-cli ") + QCoreApplication::applicationVersion());
+        return cli::Done;
+    }
+    for (const Entry &entry : entries) {
+        if (name == QLatin1String(entry.name)) {
+            return entry.run(arguments);
+        }
+    }
+    cli::complain(name.isEmpty() ? usage()
+                                 : QStringLiteral("glowsmith-cli: no such command: %1 (see --help)").arg(name));
+    return cli::WrongUse;
+}
