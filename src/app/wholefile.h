@@ -1,0 +1,28 @@
+// Files that are read or written in one piece.
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace glow {
+
+struct WriteResult
+{
+    enum State {
+        Written,
+        NotOpened, // the file could not be opened for writing; nothing changed
+        Failed     // the write itself failed, as on a full disk; an older file of that name is as it was
+    };
+    State state = Written;
+    QString error; // what the system said, for NotOpened and Failed
+};
+
+// Writes beside the file and moves the result over it, so that a failure or a crash never costs the older file. Where
+// nothing can be written beside it, and for what is no regular file, writes straight into it, and puts the old bytes
+// back if that fails.
+WriteResult writeWholeFile(const QString &path, const QByteArray &bytes);
+
+// False if the path names no regular file (a pipe or a device would be read forever) or it cannot be opened.
+bool readWholeFile(const QString &path, QByteArray &bytes);
+
+} // namespace glow
