@@ -1,0 +1,55 @@
+#include "library/missingpictures.h"
+
+#include "app/settingstext.h"
+
+#include <QDirIterator>
+#include <QFile>
+
+namespace glow {
+
+namespace {
+
+QString lostPath(const SettingsText &settings)
+{
+    return settings.value(0);
+}
+
+} // namespace
+
+bool namesPicture(const QString &settingsText)
+{
+    const SettingsText settings = parseSettings(settingsText);
+    return settings.isPicture() && settings.hasGroups();
+}
+
+bool isPictureLost(const QString &settingsText)
+{
+    return namesPicture(settingsText) && !QFile::exists(lostPath(parseSettings(settingsText)));
+}
+
+QString pictureName(const QString &path)
+{
+    return path.mid(path.lastIndexOf(u'/') + 1);
+}
+
+QString lostPictureName(const QString &settingsText)
+{
+    return pictureName(lostPath(parseSettings(settingsText)));
+}
+
+QString findPicture(const QString &directory, const QString &name)
+{
+    if (name.isEmpty()) {
+        return {};
+    }
+    QDirIterator walk(directory, QDirIterator::Subdirectories);
+    while (walk.hasNext()) {
+        walk.next();
+        if (!walk.fileInfo().isDir() && walk.fileName().contains(name)) {
+            return walk.fileInfo().absoluteFilePath();
+        }
+    }
+    return {};
+}
+
+} // namespace glow
