@@ -289,5 +289,11 @@ private:
     // Takes over the two numbers of an opened project and picks the catalogue row that has both, else the custom entry.
     // A binary project also opens at the widest zoom.
     void applyLoadedGadget(int leds, float rate, bool widestZoom);
+    // The title of a show that has a file: the part of the path behind the last "/".
     void setUpTitle(const QString &path);
+    // The two formats of projects, into the empty document (app/mainwindow_project.cpp).
+    void openProject(const QByteArray &bytes);
+    void openOldProject(const QByteArray &bytes);
+    // A show without a song: nothing plays or decodes any more, and a save writes that there is none.
+    void closeSong();
 };

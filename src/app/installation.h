@@ -1,0 +1,24 @@
+// What differs from one installation of the program to the next: the addresses that it opens.
+#pragma once
+
+#include <QUrl>
+
+namespace glow {
+
+// Each address comes from the first of these that names one:
+//
+//   1. the environment: GLOWSMITH_UPDATE_URL, GLOWSMITH_STORE_URL, GLOWSMITH_SITE_URL, whole URLs;
+//   2. the configuration file, in INI form, keys "update/url", "store/url", "site/url": "glowsmith.ini" beside the
+//      program, or else "glowsmith/glowsmith.ini" in the system's configuration directories;
+//   3. a built-in address that leads nowhere.
+
+// Where the latest version is asked for with a plain HTTP GET.
+QUrl updateUrl();
+
+// The store's page.
+QUrl storeUrl();
+
+// The maker's web site.
+QUrl siteUrl();
+
+} // namespace glow

@@ -1,0 +1,209 @@
+// The show in a file: save, save as, and opening in both formats.
+#include "app/mainwindow.h"
+
+#include "app/appsettings.h"
+#include "app/oldproject.h"
+#include "app/projectfile.h"
+#include "app/propvalues.h"
+#include "app/settingstext.h"
+#include "app/wholefile.h"
+#include "song/chartview.h"
+#include "timeline/timeline.h"
+#include "timeline/timelineitem.h"
+#include "ui_mainwindow.h"
+
+#include <QDebug>
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QMessageBox>
+#include <QProgressDialog>
+
+namespace {
+
+// The show as it is written. A hidden track is left out with its separator; if the last one is hidden, the separator
+// before it stands and reads as an empty track.
+glow::Project projectOf(const MainWindow &window, QProgressDialog &progress)
+{
+    glow::Project project;
+    project.ledCount = ledCount;
+    project.frameRate = frameRate;
+    if (window.audioDecoder != nullptr) {
+        project.songPath = window.audioDecoder->sourceFilename();
+    }
+    for (const Timeline *track : window.timelines) {
+        if (track->isHidden()) {
+            continue;
+        }
+        QVector<QByteArray> blobs;
+        for (int i = 0; i < track->items.size(); ++i) {
+            blobs.append(track->items.at(i)->itemData);
+            progress.setValue(i);
+        }
+        project.tracks.append(blobs);
+    }
+    if (!project.tracks.isEmpty() && window.timelines.last()->isHidden()) {
+        project.tracks.append(QVector<QByteArray>());
+    }
+    return project;
+}
+
+void placePattern(MainWindow &window, const QByteArray &blob)
+{
+    auto *item = new TimelineItem(blob, window.currentTimeline);
+    window.currentTimeline->addTimelineItem(item);
+}
+
+// Tracks are made as the "+" button makes them, beside the current one: the first of the file stays first, all others
+// end up behind it in the reverse of their file order.
+void placeTracks(MainWindow &window, const glow::Project &project)
+{
+    bool first = true;
+    for (const QVector<QByteArray> &track : project.tracks) {
+        if (!first) {
+            window.on_timeline_add_clicked();
+        }
+        first = false;
+        // A blob too short for a pattern stands as a pattern without picture and length. A damaged file can hold one in
+        // every four bytes, all in one place, where the next sort keeps a single one; that one is enough.
+        bool placedEmpty = false;
+        for (const QByteArray &blob : track) {
+            const bool empty = blob.size() < glow::shortestPattern;
+            if (!empty || !placedEmpty) {
+                placePattern(window, blob);
+            }
+            placedEmpty = placedEmpty || empty;
+        }
+    }
+}
+
+} // namespace
+
+void MainWindow::setUpTitle(const QString &path)
+{
+    // Of the two blanks the second gives its place to the "*" of a changed show.
+    setWindowTitle(QStringLiteral("Glowsmith - ") + path.section(u'/', -1) + QStringLiteral("  "));
+}
+
+void MainWindow::on_actionSave_triggered()
+{
+    if (!hasFile) {
+        on_actionSaveas_triggered();
+        return;
+    }
+    QProgressDialog progress(tr("儲存中..."), tr("取消"), 0, currentTimeline->items.size() - 1, this);
+    progress.setAutoClose(true);
+    progress.show();
+    const glow::WriteResult result = glow::writeWholeFile(currentFile, glow::writeProject(projectOf(*this, progress)));
+    progress.hide();
+    switch (result.state) {
+    case glow::WriteResult::Written:
+        // This is what takes the "*" away, so not before the show is safe.
+        setUpTitle(currentFile);
+        AppSettings().setValue(QStringLiteral("main/currentfile"), currentFile);
+        break;
+    case glow::WriteResult::NotOpened:
+        break;
+    case glow::WriteResult::Failed:
+        QMessageBox::warning(this, tr("存檔失敗"),
+                             tr("無法寫入 %1\n%2\n原有檔案未變動，請另存新檔。").arg(currentFile, result.error),
+                             QMessageBox::Ok);
+        break;
+    }
+}
+
+void MainWindow::on_actionSaveas_triggered()
+{
+    QString path = QFileDialog::getSaveFileName(
+        this, tr("存檔"), currentFile.isEmpty() ? QDir::homePath() + QStringLiteral("/Documents") : currentFile,
+        QStringLiteral("*.gsw3"));
+    if (path.isEmpty()) {
+        return;
+    }
+    if (!glow::isProjectPath(path)) {
+        path += QStringLiteral(".gsw3");
+    }
+    currentFile = path;
+    hasFile = true;
+    on_actionSave_triggered();
+}
+
+void MainWindow::LoadFile(QString path)
+{
+    resetDocument();
+    closeSong();
+    picPath = path;
+    currentFile = path;
+    const QString title = path.contains(u'/') ? path : path.section(u'\\', -1);
+    setUpTitle(title);
+
+    QByteArray bytes;
+    const bool opened = glow::readWholeFile(path, bytes);
+    // Saving must not ask for no name and then empty a file that could not even be read.
+    hasFile = opened;
+    if (opened) {
+        if (glow::isProjectPath(path)) {
+            openProject(bytes);
+        } else {
+            qDebug() << "OPEN OLD FILE";
+            openOldProject(bytes);
+        }
+        on_timeline_scaler_valueChanged(ui->timeline_scaler->value());
+        scanMissingPictures();
+    }
+    history.clear();
+    updateStatus();
+    // The first snapshot is no change of the show.
+    setUpTitle(title);
+}
+
+void MainWindow::closeSong()
+{
+    if (audioDecoder == nullptr) {
+        return;
+    }
+    player->stop();
+    player->setMedia(QMediaContent());
+    cancel_decoder();
+    audioDecoder->deleteLater();
+    audioDecoder = nullptr;
+    waveSamples.clear();
+    chartView->wavePoints.clear();
+    chartView->hide();
+    ui->Song_dir->clear();
+}
+
+void MainWindow::openProject(const QByteArray &bytes)
+{
+    const glow::Project project = glow::readProject(bytes);
+    if (project.hasSong()) {
+        ReadSong(project.songPath);
+    }
+    applyLoadedGadget(project.ledCount, project.frameRate, true);
+    placeTracks(*this, project);
+}
+
+void MainWindow::openOldProject(const QByteArray &bytes)
+{
+    const glow::OldProject project = glow::readOldProject(bytes);
+    if (project.hasProp) {
+        applyLoadedGadget(project.leds, static_cast<float>(project.rate), false);
+        qDebug() << "gadget loaded";
+    }
+    for (const glow::OldPattern &pattern : project.patterns) {
+        ui->Mode_t1->setTime(pattern.start);
+        ui->Mode_t2->setTime(pattern.end);
+        const glow::SettingsText settings = glow::parseSettings(pattern.settings);
+        fillEditor(settings, true);
+        if (settings.kind() == glow::PicturePattern && !QFile::exists(settings.picturePath())) {
+            // What an earlier line left must not stand for the lost picture. Without one nothing is added below.
+            picturePixmap = QPixmap();
+        }
+        if (settings.hasGroups()) {
+            ui->Mode_loop->setValue(settings.loop());
+            ui->radio_speed_m->setChecked(true);
+        }
+        ui->NEW_radio->setChecked(true);
+        on_Add_Button_clicked();
+    }
+}

@@ -1,0 +1,101 @@
+#include "app/startup.h"
+
+#include "app/appsettings.h"
+#include "app/mainwindow.h"
+#include "app/programversion.h"
+#include "library/about.h"
+#include "resources/resources.h"
+
+#include <QApplication>
+#include <QIcon>
+#include <QLocale>
+#include <QTranslator>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace glow {
+
+namespace {
+
+// Values of "main/language".
+constexpr int chinese = 1;
+constexpr int english = 2;
+constexpr int neverChosen = 99;
+
+// The catalogue row that a first start chooses.
+constexpr int firstGadget = 3;
+
+void chooseLanguage(QTranslator &translator)
+{
+    AppSettings settings;
+    settings.setValue(QStringLiteral("main/version"), programVersion);
+    const int language = settings.value(QStringLiteral("main/language"), neverChosen).toInt();
+    if (language == neverChosen) {
+        settings.setValue(QStringLiteral("main/language"), chinese);
+        settings.setValue(QStringLiteral("main/gadget"), firstGadget);
+        return;
+    }
+    if (language == chinese) {
+        QLocale::setDefault(QLocale(QLocale::Chinese, QLocale::AnyCountry));
+    } else if (language == english) {
+        translator.load(QStringLiteral(":/language/language/english.qm"));
+    }
+    QCoreApplication::installTranslator(&translator);
+}
+
+void showAsLeft(MainWindow &window)
+{
+    const AppSettings settings;
+    if (settings.value(QStringLiteral("window/maximize"), false).toBool()) {
+        window.showMaximized();
+        return;
+    }
+    const QSize size = settings.value(QStringLiteral("window/size")).toSize();
+    window.resize(size.isValid() ? size : window.minimumSize());
+    window.show();
+}
+
+int runProgram()
+{
+    QTranslator translator;
+    chooseLanguage(translator);
+    const QIcon icon(QStringLiteral(":/appicon.ico"));
+    QString project;
+    {
+        // Gone before the window stands: an answer of the update server that comes later interrupts nobody's work.
+        about start;
+        start.setWindowIcon(icon);
+        if (start.exec() != 0) {
+            return 0;
+        }
+        project = start.loadPath;
+    }
+    MainWindow window;
+    window.setWindowIcon(icon);
+    if (!project.isEmpty()) {
+        window.LoadFile(project);
+    }
+    showAsLeft(window);
+    return QCoreApplication::exec();
+}
+
+} // namespace
+
+int runGlowsmith(int argc, char **argv)
+{
+    QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
+    QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
+    QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
+    const QApplication application(argc, argv);
+    initResources();
+    const int result = runProgram();
+    if (about::leftUnanswered()) {
+        // Everything is saved and closed; what is left would only wait for a network that does not answer.
+        std::fflush(nullptr);
+        std::_Exit(result);
+    }
+    return result;
+}
+
+} // namespace glow

@@ -1,0 +1,161 @@
+#include "library/about.h"
+
+#include "app/appsettings.h"
+#include "app/installation.h"
+#include "app/programversion.h"
+#include "library/updatereply.h"
+#include "resources/resources.h"
+#include "ui_about.h"
+
+#include <QDebug>
+#include <QDesktopServices>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QMessageBox>
+#include <QNetworkAccessManager>
+#include <QNetworkRequest>
+#include <QProcess>
+
+namespace {
+
+// A version line and a note; what goes on beyond this comes from no update server.
+constexpr qint64 longestReply = 1 << 20;
+
+Ui::about *newForm()
+{
+    glow::initResources();
+    return new Ui::about;
+}
+
+// An empty body when the server was not reached or did not answer with success.
+QByteArray bodyOf(QNetworkReply *reply)
+{
+    const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    // Other schemes than HTTP have no status.
+    const bool succeeded = status == 0 || (status >= 200 && status < 300);
+    return reply->error() == QNetworkReply::NoError && succeeded ? reply->readAll() : QByteArray();
+}
+
+void startUpdater()
+{
+    const QString name = QStringLiteral("updater.exe");
+    // Not every system looks for a bare name in the working directory.
+    const QString local = QDir::current().absoluteFilePath(name);
+    QProcess::startDetached(QFileInfo::exists(local) ? local : name, QStringList());
+}
+
+} // namespace
+
+int about::unanswered = 0;
+
+about::about(QWidget *parent)
+    : QDialog(parent)
+    , appVersion(glow::programVersion)
+    , ui(newForm())
+{
+    ui->setupUi(this);
+    ui->label_3->setText(QStringLiteral("Glowsmith ver") + QString::number(appVersion));
+    on_pushButton_3_clicked();
+    const QString last = AppSettings().value(QStringLiteral("main/currentfile"), QStringLiteral("null")).toString();
+    if (last != QLatin1String("null")) {
+        ui->load_current->setText(last);
+    } else {
+        ui->load_current->hide();
+    }
+}
+
+about::~about()
+{
+    for (QNetworkAccessManager *manager : qAsConst(managers)) {
+        manager->disconnect(this);
+    }
+    qDeleteAll(managers);
+    delete ui;
+}
+
+bool about::leftUnanswered()
+{
+    return unanswered > 0;
+}
+
+void about::on_pushButton_clicked()
+{
+    QDesktopServices::openUrl(glow::storeUrl());
+}
+
+void about::on_pushButton_2_clicked()
+{
+    QDesktopServices::openUrl(glow::siteUrl());
+}
+
+void about::on_pushButton_3_clicked()
+{
+    networkManager = new QNetworkAccessManager;
+    managers.append(networkManager);
+    ++unanswered;
+    connect(networkManager, &QNetworkAccessManager::finished, this, &about::replyFinished);
+    reply = networkManager->get(QNetworkRequest(glow::updateUrl()));
+#if QT_VERSION >= QT_VERSION_CHECK(5, 15, 0)
+    connect(reply, &QNetworkReply::errorOccurred, this, &about::slotError);
+#else
+    connect(reply, QOverload<QNetworkReply::NetworkError>::of(&QNetworkReply::error), this, &about::slotError);
+#endif
+    QNetworkReply *started = reply;
+    connect(started, &QNetworkReply::downloadProgress, started, [started](qint64 received) {
+        if (received > longestReply) {
+            started->abort();
+        }
+    });
+}
+
+void about::slotError(QNetworkReply::NetworkError code)
+{
+    Q_UNUSED(code)
+    const auto *failed = qobject_cast<QNetworkReply *>(sender());
+    qDebug() << "ERR" << (failed != nullptr ? failed->errorString() : QString());
+}
+
+void about::replyFinished(QNetworkReply *reply)
+{
+    --unanswered;
+    const glow::UpdateReply answer = glow::parseUpdateReply(bodyOf(reply));
+    if (answer.versionLine.isEmpty()) {
+        QMessageBox::about(this, QString(), tr("<font color='white'>無法連線至更新伺服器</font>"));
+        return;
+    }
+    qDebug() << answer.versionLine;
+    if (appVersion >= answer.version) {
+        ui->pushButton_3->setText(tr("已是最新版本"));
+    } else if (QMessageBox::question(this, tr("有更新 ") + tr("最新版為ver") + answer.versionLine,
+                                     QStringLiteral("<font color='white'>") + tr("是否更新？<br>") + answer.note +
+                                         QStringLiteral("</font>"),
+                                     QMessageBox::Yes | QMessageBox::No, QMessageBox::Yes) == QMessageBox::Yes) {
+        // Closing sets the result to 0, so the result comes after it.
+        close();
+        setResult(1);
+        startUpdater();
+    }
+    reply->deleteLater();
+}
+
+void about::on_pushButton0_clicked()
+{
+    close();
+}
+
+void about::on_load_button_clicked()
+{
+    const QString path = QFileDialog::getOpenFileName(this, tr("讀檔"), QDir::homePath() + QStringLiteral("/Documents"),
+                                                      QStringLiteral("*.gsw *.gsw3"));
+    if (!path.isEmpty()) {
+        loadPath = path;
+        close();
+    }
+}
+
+void about::on_load_current_clicked()
+{
+    loadPath = ui->load_current->text();
+    close();
+}
