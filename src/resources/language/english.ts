@@ -1,0 +1,434 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="en" sourcelanguage="zh_TW">
+<context>
+    <name>MainWindow</name>
+    <message>
+        <source>檔案</source>
+        <translation>File</translation>
+    </message>
+    <message>
+        <source>編輯</source>
+        <translation>Edit</translation>
+    </message>
+    <message>
+        <source>其他</source>
+        <translation>setting</translation>
+    </message>
+    <message>
+        <source>選擇道具</source>
+        <translation>gadgets</translation>
+    </message>
+    <message>
+        <source>取代圖片位置...</source>
+        <translation>Replace pics...</translation>
+    </message>
+    <message>
+        <source>取代圖片位置</source>
+        <translation>replace pictures dir</translation>
+    </message>
+    <message>
+        <source>匯出圖庫...</source>
+        <translation>export pics...</translation>
+    </message>
+    <message>
+        <source>復原</source>
+        <translation>Undo</translation>
+    </message>
+    <message>
+        <source>重作</source>
+        <translation>Redo</translation>
+    </message>
+    <message>
+        <source>上傳</source>
+        <translation>Upload</translation>
+    </message>
+    <message>
+        <source>清除記憶體</source>
+        <translation>wipe memory</translation>
+    </message>
+    <message>
+        <source>更新韌體...</source>
+        <translation>Firmware update...</translation>
+    </message>
+    <message>
+        <source>後台...</source>
+        <translation>Terminal...</translation>
+    </message>
+    <message>
+        <source>預覽視窗...</source>
+        <translation>Preview</translation>
+    </message>
+    <message>
+        <source>入門版</source>
+        <translation>Basic</translation>
+    </message>
+    <message>
+        <source>進階版</source>
+        <translation>Pro</translation>
+    </message>
+    <message>
+        <source>音樂播放/暫停</source>
+        <translation>Music paly/pause</translation>
+    </message>
+    <message>
+        <source>自訂...</source>
+        <translation>Custom...</translation>
+    </message>
+    <message>
+        <source>使用圖片</source>
+        <translation>Picture</translation>
+    </message>
+    <message>
+        <source>單色</source>
+        <translation>Color</translation>
+    </message>
+    <message>
+        <source>文字</source>
+        <translation>Text</translation>
+    </message>
+    <message>
+        <source>讀入圖片</source>
+        <translation>Load picture</translation>
+    </message>
+    <message>
+        <source>螢幕截圖</source>
+        <translation>Screen Shot</translation>
+    </message>
+    <message>
+        <source>垂直翻轉</source>
+        <translation>Vertical flip</translation>
+    </message>
+    <message>
+        <source>水平翻轉</source>
+        <translation>horizontal flip</translation>
+    </message>
+    <message>
+        <source>文字色</source>
+        <translation>Front</translation>
+    </message>
+    <message>
+        <source>背景色</source>
+        <translation>Background</translation>
+    </message>
+    <message>
+        <source>寬度</source>
+        <translation>width</translation>
+    </message>
+    <message>
+        <source>三色分離</source>
+        <translation>Seperate RGB</translation>
+    </message>
+    <message>
+        <source>閃爍</source>
+        <translation>flash</translation>
+    </message>
+    <message>
+        <source>鋸齒</source>
+        <translation>windmill</translation>
+    </message>
+    <message>
+        <source>跳躍</source>
+        <translation>jump</translation>
+    </message>
+    <message>
+        <source>淡入淡出</source>
+        <translation>fade</translation>
+    </message>
+    <message>
+        <source>彩虹</source>
+        <translation>rainbow</translation>
+    </message>
+    <message>
+        <source>箭頭</source>
+        <translation>arrow</translation>
+    </message>
+    <message>
+        <source>箭頭2</source>
+        <translation>arrow2</translation>
+    </message>
+    <message>
+        <source>流星</source>
+        <translation>meteor</translation>
+    </message>
+    <message>
+        <source>流星2</source>
+        <translation>meteor2</translation>
+    </message>
+    <message>
+        <source>方塊</source>
+        <translation>box</translation>
+    </message>
+    <message>
+        <source>重複次數</source>
+        <translation>repeat</translation>
+    </message>
+    <message>
+        <source>自動計算:</source>
+        <translation>auto</translation>
+    </message>
+    <message>
+        <source>新增</source>
+        <translation>Add</translation>
+    </message>
+    <message>
+        <source>確認編輯</source>
+        <translation>Comfirm</translation>
+    </message>
+    <message>
+        <source>軌道</source>
+        <translation>track</translation>
+    </message>
+    <message>
+        <source>此設定不會影響輸出</source>
+        <translation>This setting has no effect with the output</translation>
+    </message>
+    <message>
+        <source>Ctrl+滑鼠滾輪</source>
+        <translation>Ctrl+Wheel</translation>
+    </message>
+    <message>
+        <source>上傳至道具</source>
+        <translation>upload to device</translation>
+    </message>
+    <message>
+        <source>匯出</source>
+        <translation>export</translation>
+    </message>
+    <message>
+        <source>解析度過低</source>
+        <translation>Low resolution warning</translation>
+    </message>
+    <message>
+        <source>最低解析度1280*720</source>
+        <translation>Limit 1280*720</translation>
+    </message>
+    <message>
+        <source>&lt;font color='white'&gt;關閉前儲存？&lt;/font&gt;</source>
+        <translation>&lt;font color='white'&gt;Save before close？&lt;/font&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;font color='white'&gt;未儲存部分將會流失，確定開啟新檔?&lt;/font&gt;</source>
+        <translation>&lt;font color='white'&gt;Unsaved part will lost, still renew?&lt;/font&gt;</translation>
+    </message>
+    <message>
+        <source>&lt;font color='white'&gt;未儲存部分將會流失，確定讀取舊檔?&lt;/font&gt;</source>
+        <translation>&lt;font color='white'&gt;Search loss picture?&lt;/font&gt;</translation>
+    </message>
+    <message>
+        <source>讀檔</source>
+        <translation>load</translation>
+    </message>
+    <message>
+        <source>存檔</source>
+        <translation>save as</translation>
+    </message>
+    <message>
+        <source>儲存中...</source>
+        <translation>Saving...</translation>
+    </message>
+    <message>
+        <source>取消</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>圖樣數：</source>
+        <translation>modes:</translation>
+    </message>
+    <message>
+        <source>儲存格式過舊，請使用舊版軟體(v2.9↓)進行轉檔</source>
+        <translation>File is too old, please use the old version(v2.9↓)</translation>
+    </message>
+    <message>
+        <source>選歌</source>
+        <translation>Choose song</translation>
+    </message>
+    <message>
+        <source>讀取音樂中...</source>
+        <translation>Loading music...</translation>
+    </message>
+    <message>
+        <source>讀圖(可複選)</source>
+        <translation>Load picture (Multiple choose supported)</translation>
+    </message>
+    <message>
+        <source>圖片讀取</source>
+        <translation>Load pictures</translation>
+    </message>
+    <message>
+        <source>圖片讀取完成!!</source>
+        <translation>Finish loading pictures!!</translation>
+    </message>
+    <message>
+        <source>選擇顏色</source>
+        <translation>choose color</translation>
+    </message>
+    <message>
+        <source>完成</source>
+        <translation>finish</translation>
+    </message>
+    <message>
+        <source>上傳完成</source>
+        <translation>Upload finished</translation>
+    </message>
+    <message>
+        <source>已取消上傳</source>
+        <translation>Canceled</translation>
+    </message>
+    <message>
+        <source>傳輸中...</source>
+        <translation>Uploading...</translation>
+    </message>
+    <message>
+        <source>無可上傳圖樣</source>
+        <translation>No uploadable pattern</translation>
+    </message>
+    <message>
+        <source>請選擇正確之時間軸</source>
+        <translation>Please choose the correct track</translation>
+    </message>
+    <message>
+        <source>偵測不到裝置！</source>
+        <translation>No device detected!</translation>
+    </message>
+    <message>
+        <source>找不到裝置！</source>
+        <translation>No device found!!</translation>
+    </message>
+    <message>
+        <source>記憶體清除完成</source>
+        <translation>wipe finished</translation>
+    </message>
+    <message>
+        <source>清除記憶體逾時</source>
+        <translation>wipe time out</translation>
+    </message>
+    <message>
+        <source>圖片位置</source>
+        <translation>picture directory</translation>
+    </message>
+    <message>
+        <source>圖片儲存位置</source>
+        <translation>Pics save directory</translation>
+    </message>
+    <message>
+        <source>圖庫匯出完成</source>
+        <translation>export finish</translation>
+    </message>
+</context>
+<context>
+    <name>Timeline</name>
+    <message>
+        <source>圖樣</source>
+        <translation>pattern</translation>
+    </message>
+    <message>
+        <source>貼上</source>
+        <translation>Paste</translation>
+    </message>
+    <message>
+        <source>
+開始時間: </source>
+        <translation>
+start time: </translation>
+    </message>
+    <message>
+        <source>
+結束時間: </source>
+        <translation>
+end time: </translation>
+    </message>
+</context>
+<context>
+    <name>TimelineItem</name>
+    <message>
+        <source>圖樣</source>
+        <translation>pattern</translation>
+    </message>
+    <message>
+        <source>移除</source>
+        <translation>remove</translation>
+    </message>
+    <message>
+        <source>複製</source>
+        <translation>copy</translation>
+    </message>
+    <message>
+        <source>剪下</source>
+        <translation>cut</translation>
+    </message>
+    <message>
+        <source>
+開始時間: </source>
+        <translation>
+start time: </translation>
+    </message>
+    <message>
+        <source>
+結束時間: </source>
+        <translation>
+end time: </translation>
+    </message>
+</context>
+<context>
+    <name>WorkerThread</name>
+    <message>
+        <source>偵測不到裝置！</source>
+        <translation>No device detect!</translation>
+    </message>
+    <message>
+        <source>輸出錯誤！</source>
+        <translation>export error!</translation>
+    </message>
+</context>
+<context>
+    <name>ScreenCapture</name>
+    <message>
+        <source>儲存圖片</source>
+        <translation>Save</translation>
+    </message>
+    <message>
+        <source>選擇顏色</source>
+        <translation>choose color</translation>
+    </message>
+</context>
+<context>
+    <name>about</name>
+    <message>
+        <source>檢查更新...</source>
+        <translation>check update...</translation>
+    </message>
+    <message>
+        <source>開新檔案</source>
+        <translation>New</translation>
+    </message>
+    <message>
+        <source>進入軟體</source>
+        <translation>Enter</translation>
+    </message>
+    <message>
+        <source>&lt;font color='white'&gt;無法連線至更新伺服器&lt;/font&gt;</source>
+        <translation>&lt;font color='white'&gt;Cannot connect to the updating server&lt;/font&gt;</translation>
+    </message>
+    <message>
+        <source>已是最新版本</source>
+        <translation>Already the latest version</translation>
+    </message>
+    <message>
+        <source>有更新 </source>
+        <translation>New version </translation>
+    </message>
+    <message>
+        <source>最新版為ver</source>
+        <translation>ver</translation>
+    </message>
+    <message>
+        <source>是否更新？&lt;br&gt;</source>
+        <translation>Update? &lt;br&gt;</translation>
+    </message>
+    <message>
+        <source>讀檔</source>
+        <translation>load</translation>
+    </message>
+</context>
+</TS>
