@@ -3,6 +3,7 @@
 
 #include "app/appsettings.h"
 #include "app/propvalues.h"
+#include "forms/style.h"
 #include "render/randomdraw.h"
 #include "resources/resources.h"
 #include "song/chartview.h"
@@ -44,7 +45,7 @@ MainWindow::MainWindow(QWidget *parent)
     , ui(newForm())
 {
     ui->setupUi(this);
-    glow::applyStyle(*this);
+    glow::applyStyle(this);
     patternWidth = ui->Leds->value();
     ledCount = static_cast<qint16>(ui->Leds->value());
 

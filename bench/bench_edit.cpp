@@ -1,0 +1,138 @@
+// Editing on the real window: play-head, zoom, adding, history, opening.
+#include "bench.h"
+
+#include "app/mainwindow.h"
+#include "app/patternrecord.h"
+#include "app/projectfile.h"
+#include "timeline/indicator.h"
+#include "timeline/timeline.h"
+#include "timeline/timelineheaders.h"
+#include "timeline/timelineitem.h"
+#include "ui_mainwindow.h"
+
+#include <QBuffer>
+#include <QCoreApplication>
+#include <QElapsedTimer>
+#include <QFile>
+
+namespace {
+
+// A picture whose encoding takes about as much as a photograph's: 20 kB at 170 by 85.
+QPixmap busyPicture(int seed)
+{
+    QImage image(170, 85, QImage::Format_RGB32);
+    quint32 state = 12345U + quint32(seed);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            state = state * 1664525U + 1013904223U;
+            const int noise = int(state >> 28U);
+            image.setPixel(x, y, qRgb((x + noise) & 255, (y * 2 + noise) & 255, ((x * y) >> 4) & 255));
+        }
+    }
+    return QPixmap::fromImage(image);
+}
+
+QVector<QByteArray> manyPatterns(int count)
+{
+    QVector<QByteArray> blobs;
+    for (int i = 0; i < count; ++i) {
+        glow::PatternRecord record;
+        record.thumbnail = busyPicture(i);
+        record.startTime = glow::timeOf(i * 600);
+        record.endTime = glow::timeOf(i * 600 + 500);
+        record.repeatCount = 2;
+        record.settingsText = QStringLiteral("3?2?#ff0000|#000000|5|0|10?0|1|0");
+        record.patternKind = glow::EffectPattern;
+        blobs.append(glow::writePattern(record));
+    }
+    return blobs;
+}
+
+void settle()
+{
+    for (int i = 0; i < 5; ++i) {
+        QCoreApplication::processEvents();
+    }
+}
+
+void measureOpening(MainWindow &window, const QVector<QByteArray> &blobs, QVector<bench::Row> &rows)
+{
+    glow::Project project;
+    project.ledCount = 80;
+    project.frameRate = 2100.0F;
+    project.tracks = {blobs};
+    QFile file(QStringLiteral("bench.gsw3"));
+    file.open(QIODevice::WriteOnly);
+    file.write(glow::writeProject(project));
+    file.close();
+    const double opening = bench::median(3, [&window] {
+        window.LoadFile(QStringLiteral("bench.gsw3"));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    });
+    const double floor = bench::median(3, [&blobs] {
+        for (const QByteArray &blob : blobs) {
+            QBuffer in;
+            in.setData(blob.mid(4));
+            in.open(QIODevice::ReadOnly);
+            const QImage image = QImage::fromData(blob.mid(4), "png");
+            QBuffer out;
+            out.open(QIODevice::WriteOnly);
+            image.save(&out, "png");
+        }
+    });
+    rows.append({QStringLiteral("Opening 500 patterns; floor: decoding and encoding their PNGs"), opening, floor, 1.5,
+                 QString()});
+}
+
+} // namespace
+
+void bench::edit(QVector<Row> &rows)
+{
+    QElapsedTimer start;
+    start.start();
+    MainWindow window;
+    window.show();
+    settle();
+    rows.append({QStringLiteral("Construction of the main window until it is shown and answers"),
+                 start.nsecsElapsed() / 1e6, 0, 2000, QString()});
+
+    const QVector<QByteArray> blobs = manyPatterns(500);
+    measureOpening(window, blobs, rows);
+
+    qint64 bytes = 0;
+    for (const TimelineItem *item : qAsConst(window.currentTimeline->items)) {
+        bytes += item->itemData.size();
+    }
+    const double offering = median(50, [&window] { window.history.record(window.timelines); });
+    rows.append({QStringLiteral("Offering an unchanged show of 500 patterns (%1 MB) to the history")
+                     .arg(double(bytes) / 1e6, 0, 'f', 1),
+                 offering, 0, 2, QString()});
+
+    window.ui->timeline_scaler->setValue(160);
+    settle();
+    Indicator *indicator = window.ui->timeline_headers->indicator;
+    int x = 2000;
+    const double moving = median(200, [&window, indicator, &x] {
+        indicator->setIndicatorX(++x, false);
+        // What the move has exposed is painted at once, as the next frame would.
+        QCoreApplication::sendPostedEvents(window.ui->timeline_headers, QEvent::UpdateRequest);
+        QCoreApplication::sendPostedEvents(&window, QEvent::UpdateRequest);
+    });
+    rows.append(
+        {QStringLiteral("Moving the play-head by a pixel at the closest zoom, repainted"), moving, 0, 2, QString()});
+
+    int zoom = 80;
+    const double zooming = median(20, [&window, &zoom] {
+        zoom = zoom == 80 ? 85 : 80;
+        window.ui->timeline_scaler->setValue(zoom);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
+        QCoreApplication::sendPostedEvents(&window, QEvent::UpdateRequest);
+    });
+    rows.append({QStringLiteral("One zoom step with 500 patterns, repainted"), zooming, 0, 33, QString()});
+
+    window.ui->Mode_Pic->setCurrentIndex(1);
+    window.ui->Mode_t1->setTime(QTime(0, 5, 10));
+    window.ui->Mode_last->setValue(0.2);
+    const double adding = median(20, [&window] { window.on_Add_Button_clicked(); });
+    rows.append({QStringLiteral("Adding a pattern to a show of 500"), adding, 0, 20, QString()});
+}
