@@ -107,6 +107,10 @@ MainWindow::MainWindow(QWidget *parent)
 
 MainWindow::~MainWindow()
 {
+    // Player and decoders end with notifications of their own, which must not reach a window without its form.
+    for (QMediaObject *media : findChildren<QMediaObject *>()) {
+        media->disconnect(this);
+    }
     delete ui;
 }
 

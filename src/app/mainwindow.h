@@ -167,6 +167,7 @@ public slots:
     void decoder_PositionChanged(qlonglong ms);
     void durationChanged(qlonglong t);
     void cancel_decoder();
+    void decodeFailed();
     void on_Song_dir_linkHovered(const QString &link);
 
     // song/mainwindow_clock.cpp: playing
@@ -280,6 +281,14 @@ protected:
     void dropEvent(QDropEvent *event) override;
 
 private:
+    bool isStaleDecode(const QObject *caller) const;
+    void takeAudioBuffer();
+    void endDecode();
+    void rewindSong();
+
+    bool decoding = false;      // audioDecoder is at work: neither finished, failed nor cancelled
+    bool readScheduled = false; // a further turn of readAudioBuffer is on its way
+
     void buildGadgetMenu();
     // The panel's present state as a pattern; false if its tab has no picture.
     bool editorPattern(glow::PatternRecord &record);
