@@ -1,0 +1,284 @@
+// Reading a song: the player gets the file, and a decoder runs over all of it for the waveform.
+#include "app/mainwindow.h"
+
+#include "app/patternrecord.h"
+#include "song/chartview.h"
+#include "song/mytime.h"
+#include "song/songformat.h"
+#include "song/waveform.h"
+#include "ui_mainwindow.h"
+
+#include <QAudioBuffer>
+#include <QDebug>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QGraphicsLayout>
+#include <QMessageBox>
+#include <QProgressDialog>
+#include <QThread>
+#include <QTimer>
+#include <QUrl>
+#include <QtCharts/QChart>
+#include <QtCharts/QValueAxis>
+
+#include <algorithm>
+
+using namespace QtCharts;
+
+namespace {
+
+// The back end hands out small buffers of about 30 milliseconds of song and queues no more than four of them. One turn
+// of a busy event loop for each four would make a song last many seconds, so a turn reads for this long, and while it
+// does it waits a little for a decoder that has fallen behind.
+constexpr int readSliceMs = 8;
+constexpr int readPatienceUs = 1000;
+constexpr int readNapUs = 50;
+
+// The show area is never shorter than this after a song was read.
+constexpr int leastShowMs = 300000;
+
+bool waitForBuffer(const QAudioDecoder &decoder)
+{
+    for (int waited = 0; waited < readPatienceUs; waited += readNapUs) {
+        if (decoder.bufferAvailable()) {
+            return true;
+        }
+        QThread::usleep(readNapUs);
+    }
+    return decoder.bufferAvailable();
+}
+
+// The length of a song that was decoded to its end, as 32 bits. A back end that could not tell it reports -1; then it
+// is what the points make.
+int songLengthMs(const QAudioDecoder &decoder, int pointCount)
+{
+    const qint64 told = decoder.duration();
+    return static_cast<int>(told >= 0 ? told : glow::timeOfWavePoints(std::max(pointCount - 1, 0)));
+}
+
+QChart *chartOf(QLineSeries *series, double limit)
+{
+    auto *chart = new QChart;
+    chart->setMargins(QMargins(0, 0, 0, 0));
+    chart->layout()->setContentsMargins(0, 0, 0, 0);
+    chart->legend()->hide();
+    chart->setBackgroundBrush(
+        Qt::white); // as the theme's gradient, which runs from white to white, but quicker to fill
+    chart->addSeries(series);
+    auto *axis = new QValueAxis;
+    axis->setRange(-limit, limit);
+    chart->addAxis(axis, Qt::AlignLeft);
+    axis->hide();
+    series->attachAxis(axis);
+    return chart;
+}
+
+} // namespace
+
+void MainWindow::on_SongRead_Button_clicked()
+{
+    player->blockSignals(false);
+    rewindSong();
+    const QString path = QFileDialog::getOpenFileName(this, tr("選歌"), QDir::homePath() + QStringLiteral("/Music"),
+                                                      QStringLiteral("(*.mp3 *.wav);;All files (*.*)"));
+    if (!path.isEmpty()) {
+        ReadSong(path);
+    }
+}
+
+void MainWindow::ReadSong(QString path)
+{
+    ui->Song_dir->setText(path.mid(path.lastIndexOf(u'/') + 1));
+
+    // Made anew for each song, so that after a second one the slots run twice for each notification. They only set
+    // values.
+    connect(player, &QMediaPlayer::positionChanged, this, &MainWindow::positionChanged);
+    connect(player, &QMediaPlayer::stateChanged, this, &MainWindow::stateChanged);
+
+    // The back ends open no relative path.
+    const QString file = QFileInfo(path).absoluteFilePath();
+    player->setMedia(QUrl::fromLocalFile(file));
+
+    // What a decode of an older song still delivers is told by its sender and dropped.
+    endDecode();
+    audioDecoder = new QAudioDecoder(this);
+    audioDecoder->setAudioFormat(glow::waveFormat());
+    audioDecoder->setSourceFilename(file);
+    waveSeries = new QLineSeries(this);
+    QPen pen(QColor(100, 100, 255, 255));
+    pen.setWidth(1);
+    waveSeries->setPen(pen);
+    waveSamples.clear();
+    waveMax = 0;
+
+    connect(audioDecoder, &QAudioDecoder::bufferReady, this, &MainWindow::readAudioBuffer);
+    connect(audioDecoder, &QAudioDecoder::finished, this, &MainWindow::audioPlotting);
+    connect(audioDecoder, &QAudioDecoder::positionChanged, this, &MainWindow::decoder_PositionChanged);
+    connect(audioDecoder, &QAudioDecoder::durationChanged, this, &MainWindow::durationChanged);
+    connect(audioDecoder, QOverload<QAudioDecoder::Error>::of(&QAudioDecoder::error), this, &MainWindow::decodeFailed);
+
+    // It closes at the decode's end and not by its value: a song without a table of contents can be longer than the
+    // back end first took it for.
+    decodeProgress = new QProgressDialog(tr("讀取音樂中..."), tr("取消"), 0, 32767, this);
+    decodeProgress->setAutoClose(false);
+    decodeProgress->setAutoReset(false);
+    connect(decodeProgress, &QProgressDialog::canceled, this, &MainWindow::cancel_decoder);
+    decodeProgress->show();
+
+    decoding = true;
+    audioDecoder->start();
+}
+
+// True for a slot that was called by something that no longer counts: a replaced decoder or its dialog, or the present
+// decoder after the end of its decode.
+bool MainWindow::isStaleDecode(const QObject *caller) const
+{
+    if (qobject_cast<const QAudioDecoder *>(caller) != nullptr) {
+        return caller != audioDecoder || !decoding;
+    }
+    return qobject_cast<const QProgressDialog *>(caller) != nullptr && caller != decodeProgress;
+}
+
+// Ends the present decode, whatever its state, and closes its dialog for good.
+void MainWindow::endDecode()
+{
+    const bool running = decoding;
+    decoding = false;
+    if (running) {
+        audioDecoder->stop();
+    }
+    if (decodeProgress != nullptr) {
+        decodeProgress->reset();
+        decodeProgress->hide();
+    }
+}
+
+void MainWindow::cancel_decoder()
+{
+    if (isStaleDecode(sender())) {
+        return;
+    }
+    endDecode();
+    waveSamples.clear();
+}
+
+void MainWindow::decodeFailed()
+{
+    if (isStaleDecode(sender()) || !decoding) {
+        return;
+    }
+    qDebug() << "decode error" << audioDecoder->errorString();
+    endDecode();
+    waveSamples.clear();
+    ui->statusBar->showMessage(tr("無法解碼，請確認已安裝正確音訊解碼包"));
+}
+
+void MainWindow::decoder_PositionChanged(qlonglong ms)
+{
+    if (!isStaleDecode(sender()) && decoding) {
+        decodeProgress->setValue(glow::wavePointsOfTime(ms));
+    }
+}
+
+void MainWindow::durationChanged(qlonglong t)
+{
+    if (!isStaleDecode(sender()) && decoding) {
+        decodeProgress->setMaximum(glow::wavePointsOfTime(t));
+    }
+}
+
+void MainWindow::readAudioBuffer()
+{
+    // Each buffer announces itself, also those that an earlier turn has read with others: while a further turn is
+    // scheduled the announcements add nothing, or a hundred of them would hold up the event loop for a hundred turns.
+    if (isStaleDecode(sender()) || !decoding || readScheduled) {
+        return;
+    }
+    QElapsedTimer slice;
+    slice.start();
+    decodeProgress->setUpdatesEnabled(false); // it would paint itself at once for each buffer
+    while (decoding && !slice.hasExpired(readSliceMs) && waitForBuffer(*audioDecoder)) {
+        takeAudioBuffer();
+    }
+    decodeProgress->setUpdatesEnabled(true);
+    if (decoding && slice.hasExpired(readSliceMs)) {
+        readScheduled = true;
+        QTimer::singleShot(0, this, [this] {
+            readScheduled = false;
+            readAudioBuffer();
+        });
+    }
+}
+
+void MainWindow::takeAudioBuffer()
+{
+    const QAudioBuffer buffer = audioDecoder->read();
+    if (!buffer.isValid()) {
+        return;
+    }
+    if (!glow::isWaveBuffer(buffer)) {
+        decodeFailed();
+        return;
+    }
+    const qint64 position = glow::endOfBuffer(buffer, audioDecoder->position());
+    if (waveSamples.isEmpty()) {
+        qDebug() << "Init Plot" << position;
+        chartView->firstDecodePos = static_cast<double>(position);
+    }
+    glow::appendWavePoints(waveSamples, waveMax, buffer.constData<qint16>(), buffer.sampleCount(), position);
+}
+
+void MainWindow::audioPlotting()
+{
+    if (isStaleDecode(sender()) || waveSeries == nullptr) {
+        return;
+    }
+    while (decoding && audioDecoder->bufferAvailable()) {
+        takeAudioBuffer();
+    }
+    decoding = false;
+
+    chartView->show();
+    waveSeries->replace(waveSamples); // one notification instead of one for each point
+    qDebug() << "series max" << waveMax;
+    chartView->setMinimumSize(0, 0); // a chart of no size has nothing to lay out
+    chartView->resize(0, 0);
+    chartView->setChart(chartOf(waveSeries, glow::waveAxisLimit(waveMax)));
+    chartView->wavePoints = waveSamples.toList();
+    chartView->setRenderHint(QPainter::Antialiasing);
+    chartView->resizeToWave();
+    ui->audio_layout->insertWidget(0, chartView);
+    connect(chartView, &ChartView::chartClicked, this, &MainWindow::on_Song_Slider_sliderMoved);
+
+    decodeProgress->setValue(decodeProgress->maximum());
+    endDecode();
+
+    const int d = songLengthMs(*audioDecoder, waveSamples.size());
+    qDebug() << "song duration" << d << "buffer length" << waveSamples.size();
+    if (d == 0) {
+        QMessageBox::warning(this, tr("錯誤"), tr("無法解碼，請確認已安裝正確音訊解碼包"), QMessageBox::Ok);
+        return;
+    }
+    const QTime t = glow::timeOf(d);
+    if (d <= leastShowMs) {
+        ui->Song_Slider->setMaximum(leastShowMs);
+        ui->timeline_max->setTime(glow::timeOf(leastShowMs));
+    } else {
+        ui->timeline_max->setTime(t);
+        ui->Song_Slider->setMaximum(d);
+    }
+    ui->Song_time->setTime(t);
+    ui->Song_play->setEnabled(true);
+    player->play();
+    player->stop();
+    player->pause();
+    updateStatus();
+}
+
+void MainWindow::on_Song_dir_linkHovered(const QString &link)
+{
+    Q_UNUSED(link)
+    ui->Song_dir->setText(player->media().request().url().toString());
+}
