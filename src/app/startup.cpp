@@ -3,6 +3,7 @@
 #include "app/appsettings.h"
 #include "app/mainwindow.h"
 #include "app/programversion.h"
+#include "forms/style.h"
 #include "library/about.h"
 #include "resources/resources.h"
 
@@ -89,6 +90,7 @@ int runGlowsmith(int argc, char **argv)
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);
     const QApplication application(argc, argv);
     initResources();
+    prepareApplication();
     const int result = runProgram();
     if (about::leftUnanswered()) {
         // Everything is saved and closed; what is left would only wait for a network that does not answer.

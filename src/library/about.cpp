@@ -3,6 +3,7 @@
 #include "app/appsettings.h"
 #include "app/installation.h"
 #include "app/programversion.h"
+#include "forms/style.h"
 #include "library/updatereply.h"
 #include "resources/resources.h"
 #include "ui_about.h"
@@ -55,6 +56,7 @@ about::about(QWidget *parent)
     , ui(newForm())
 {
     ui->setupUi(this);
+    glow::applyStyle(this);
     ui->label_3->setText(QStringLiteral("Glowsmith ver") + QString::number(appVersion));
     on_pushButton_3_clicked();
     const QString last = AppSettings().value(QStringLiteral("main/currentfile"), QStringLiteral("null")).toString();
