@@ -1,0 +1,28 @@
+# bash completion for glowsmith-cli
+_glowsmith_cli() {
+    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options=
+    if [ "$COMP_CWORD" -eq 1 ]; then
+        mapfile -t COMPREPLY < <(compgen -W "info check export show relink pictures upload --help --version" -- "$word")
+        return
+    fi
+    case "$before" in
+        --slot) mapfile -t COMPREPLY < <(compgen -W "1 2 3 4 5 6 7 8" -- "$word"); return ;;
+        --pictures) mapfile -t COMPREPLY < <(compgen -d -- "$word"); return ;;
+        --track | --start-mark) return ;;
+        --port) mapfile -t COMPREPLY < <(compgen -G "/dev/tty[AU]*" -- "$word"); return ;;
+    esac
+    local track="--track --slot --once --start-mark"
+    case "${COMP_WORDS[1]}" in
+        info) options="--json --help" ;;
+        check) options="$track --json --help" ;;
+        export | show) options="$track -o --help" ;;
+        relink) options="--pictures --help" ;;
+        pictures) options="-o --help" ;;
+        upload) options="$track --port --help" ;;
+    esac
+    case "$word" in
+        -*) mapfile -t COMPREPLY < <(compgen -W "$options" -- "$word") ;;
+        *) mapfile -t COMPREPLY < <(compgen -f -X '!*.@(gsw3|bin)' -- "$word"; compgen -d -- "$word") ;;
+    esac
+}
+complete -o filenames -F _glowsmith_cli glowsmith-cli
