@@ -71,7 +71,7 @@ void DialogDriver::answerWith(const std::function<void(QDialog *)> &act)
 void DialogDriver::poll()
 {
     auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
-    if (dialog == nullptr || !dialog->isVisible()) {
+    if (dialog == nullptr || dialog == overlooked || !dialog->isVisible()) {
         return;
     }
     Kind kind = Kind::Any;
