@@ -1,0 +1,67 @@
+#include "render/desktopgrab.h"
+
+#include <QGuiApplication>
+#include <QPainter>
+#include <QPixmap>
+#include <QScreen>
+#include <QVector>
+
+#include <algorithm>
+
+namespace glow {
+
+QRect desktopGeometry()
+{
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    return screen != nullptr ? screen->virtualGeometry() : QRect();
+}
+
+QImage grabDesktop()
+{
+    const QPoint origin = desktopGeometry().topLeft();
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    qreal ratio = 1.0;
+    for (const QScreen *screen : screens) {
+        ratio = std::max(ratio, screen->devicePixelRatio());
+    }
+
+    struct Part
+    {
+        QRect place;
+        QImage picture;
+    };
+    QVector<Part> parts;
+    QRect whole;
+    for (QScreen *screen : screens) {
+        QImage picture = screen->grabWindow(0).toImage();
+        const QSize size = picture.isNull()
+                               ? screen->size() * ratio
+                               : QSizeF(QSizeF(picture.size()) * (ratio / screen->devicePixelRatio())).toSize();
+        const QPoint place = QPointF(QPointF(screen->geometry().topLeft() - origin) * ratio).toPoint();
+        picture.setDevicePixelRatio(1.0);
+        parts.append({QRect(place, size), picture});
+        whole |= parts.last().place;
+    }
+
+    QImage desktop(whole.right() + 1, whole.bottom() + 1, QImage::Format_RGB32);
+    desktop.fill(Qt::black);
+    QPainter painter(&desktop);
+    for (const Part &part : parts) {
+        painter.drawImage(part.place, part.picture);
+    }
+    painter.end();
+    desktop.setDevicePixelRatio(ratio);
+    return desktop;
+}
+
+QRect devicePixels(const QRect &logical, qreal ratio)
+{
+    if (logical.isNull()) {
+        return {};
+    }
+    const QPoint from = QPointF(QPointF(logical.topLeft()) * ratio).toPoint();
+    const QPoint to = QPointF(QPointF(logical.bottomRight() + QPoint(1, 1)) * ratio).toPoint();
+    return {from, to - QPoint(1, 1)};
+}
+
+} // namespace glow
