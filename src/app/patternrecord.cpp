@@ -43,10 +43,18 @@ QPixmap readThumbnail(QDataStream &stream)
     return QPixmap::fromImage(image);
 }
 
-void writeFields(QDataStream &stream, const PatternRecord &record)
+// The colour's 11 bytes begin with a number that Qt takes as a colour model unseen. A number that is none makes the
+// colour invalid.
+QColor readColour(QDataStream &stream)
 {
-    stream << record.thumbnail << record.startTime << record.endTime << record.solidColor << record.repeatCount
-           << record.patternKind << record.speedValue << record.settingsText;
+    char model = 0;
+    if (stream.device()->peek(&model, 1) == 1 && static_cast<uchar>(model) > QColor::ExtendedRgb) {
+        stream.skipRawData(11);
+        return {};
+    }
+    QColor colour;
+    stream >> colour;
+    return colour;
 }
 
 } // namespace
@@ -64,7 +72,8 @@ QTime timeOf(int ms)
 
 int durationMs(const PatternRecord &record)
 {
-    return msOf(record.endTime) - msOf(record.startTime);
+    // Foreign bytes hold times whose difference is beyond an int.
+    return static_cast<int>(static_cast<uint>(msOf(record.endTime)) - static_cast<uint>(msOf(record.startTime)));
 }
 
 void retime(PatternRecord &record, const QTime &start, const QTime &end, int leds, float rate)
@@ -82,15 +91,24 @@ PatternRecord readPattern(const QByteArray &blob)
     PatternRecord record;
     QDataStream stream(blob);
     record.thumbnail = readThumbnail(stream);
-    stream >> record.startTime >> record.endTime >> record.solidColor >> record.repeatCount >> record.patternKind >>
-        record.speedValue >> record.settingsText;
+    stream >> record.startTime >> record.endTime;
+    record.solidColor = readColour(stream);
+    stream >> record.repeatCount >> record.patternKind >> record.speedValue >> record.settingsText;
     return record;
 }
 
-void overwritePattern(QByteArray &blob, const PatternRecord &record)
+int overwritePattern(QByteArray &blob, const PatternRecord &record, int keptThumbnail)
 {
     QDataStream stream(&blob, QIODevice::WriteOnly);
-    writeFields(stream, record);
+    if (keptThumbnail > 0) {
+        stream.device()->seek(keptThumbnail);
+    } else {
+        stream << record.thumbnail;
+    }
+    const auto thumbnailEnd = static_cast<int>(stream.device()->pos());
+    stream << record.startTime << record.endTime << record.solidColor << record.repeatCount << record.patternKind
+           << record.speedValue << record.settingsText;
+    return thumbnailEnd;
 }
 
 QByteArray writePattern(const PatternRecord &record)

@@ -43,7 +43,7 @@ int msOf(const QTime &time);
 // The time that many milliseconds after midnight; what does not fit into a day wraps like QTime's own addition.
 QTime timeOf(int ms);
 
-// End minus start, signed milliseconds.
+// End minus start, signed milliseconds; times that no clock has wrap.
 int durationMs(const PatternRecord &record);
 
 // The one rule by which a placed pattern changes its times: in speed mode its repeat count follows (see repeatrules.h).
@@ -54,9 +54,11 @@ void retime(PatternRecord &record, const QTime &start, const QTime &end, int led
 // foreign bytes cannot ask for absurd memory.
 PatternRecord readPattern(const QByteArray &blob);
 
-// Writes the eight fields over the bytes of blob from the start. When the new encoding is shorter the old tail stays
-// behind; every reader stops after settingsText.
-void overwritePattern(QByteArray &blob, const PatternRecord &record);
+// Writes the eight fields over the bytes of blob from the start and returns how many bytes the thumbnail takes. When
+// the new encoding is shorter the old tail stays behind; every reader stops after settingsText. Encoding the thumbnail
+// is what costs: a caller who knows that the blob begins with this very thumbnail gives its byte count as
+// keptThumbnail, and only the rest is written.
+int overwritePattern(QByteArray &blob, const PatternRecord &record, int keptThumbnail = 0);
 
 // The eight fields as a fresh blob.
 QByteArray writePattern(const PatternRecord &record);
