@@ -1,4 +1,5 @@
-// A scroll area that never scrolls by itself: presses travel on to the ruler, wheels to the area around it.
+// A scroll area that never scrolls by itself, since a bar outside keeps two of them in step: presses travel on to the
+// ruler, wheels and keys to the area around it.
 #pragma once
 
 #include <QScrollArea>
@@ -13,4 +14,6 @@ public:
 protected:
     void mousePressEvent(QMouseEvent *e) override;
     void wheelEvent(QWheelEvent *e) override;
+    void keyPressEvent(QKeyEvent *e) override;
+    bool focusNextPrevChild(bool next) override;
 };

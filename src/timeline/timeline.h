@@ -26,8 +26,15 @@ public:
     bool isCurrent = false;       // true on exactly one track
     QWidget *readyBand = nullptr; // where a new pattern would land
 
-    // The pattern at a point of the track, or null: other children (the ready band) do not count.
-    TimelineItem *itemAt(int x, int y) const;
+    // The pattern at x in the track's upper part, the topmost one if several lie there, or null: other children (the
+    // ready band) do not count.
+    TimelineItem *itemAt(int x) const;
+
+    // The pattern that counts as being under a play-head at x.
+    TimelineItem *itemUnderHead(int x) const { return itemAt(x + 1); }
+
+    // Makes this the current track or takes that from it: look and label.
+    void setCurrent(bool current);
 
     // Shows the ready band for a span, or hides it; a second show without a hide in between hides it.
     void showReadyBand(bool show, int startMs, int lengthMs);
@@ -60,6 +67,10 @@ public slots:
     // The collision pass: the item that moved wins, what it touches is trimmed, removed or split.
     void on_itemDragEnd(QByteArray orig, TimelineItem *item, QWidget *orig_parent = nullptr);
 
+    // A drag of one of this track's items starts here or comes back: it takes the end of the list, and with that the
+    // priority in sortItems.
+    void beginDrag(TimelineItem *item);
+
 protected:
     void mousePressEvent(QMouseEvent *e) override;
     void mouseDoubleClickEvent(QMouseEvent *e) override;
@@ -68,4 +79,11 @@ protected:
     void dragEnterEvent(QDragEnterEvent *e) override;
     void dragMoveEvent(QDragMoveEvent *e) override;
     void dropEvent(QDropEvent *e) override;
+
+private:
+    void pressed(QMouseEvent *e, const QWidget *source);
+    void releaseItem(TimelineItem *item);
+    void splitItem(TimelineItem *item, const QTime &restStart);
+    void findNeighbours();
+    void showTimesAt(const QPoint &pos, const QString &edgeText, const QTime &edge);
 };

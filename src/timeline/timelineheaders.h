@@ -1,10 +1,13 @@
 // The ruler: draws time, hosts the tracks and the play-head, and holds the start mark.
 #pragma once
 
+#include "timeline/rulerticks.h"
+
 #include <QPoint>
 #include <QWidget>
 
 class Indicator;
+class QPainter;
 
 class TimelineHeaders : public QWidget
 {
@@ -34,4 +37,10 @@ protected:
     void mousePressEvent(QMouseEvent *e) override;
     void paintEvent(QPaintEvent *e) override;
     void resizeEvent(QResizeEvent *e) override;
+    void childEvent(QChildEvent *e) override;
+
+private:
+    void drawTick(QPainter &painter, const glow::Tick &tick) const;
+
+    glow::TickPositions ticks;
 };

@@ -12,6 +12,8 @@ class TimelineItem : public QPushButton, public glow::PatternRecord
     Q_OBJECT
 
 public:
+    static constexpr int trackY = 5; // y of every item in its track
+
     // Builds the item from a blob (see patternrecord.h; foreign bytes give nulls and zeros), places it and shows it.
     TimelineItem(const QByteArray &data, QWidget *parent);
 
@@ -40,6 +42,9 @@ signals:
     void itemDeleted(TimelineItem *item);
     void itemCopyed(QByteArray data);
     void dragEnd(QByteArray orig, TimelineItem *item, QWidget *orig_parent);
+    // A left press is about to start a drag. Not every platform tells the track below by a drag-enter event if the
+    // mouse does not move.
+    void dragBegins(TimelineItem *item);
 
 public slots:
     void update_timeline_multi();
@@ -53,4 +58,14 @@ protected:
     void mouseReleaseEvent(QMouseEvent *e) override;
     void mouseDoubleClickEvent(QMouseEvent *e) override;
     void paintEvent(QPaintEvent *e) override;
+
+private:
+    void showContextMenu(const QPoint &globalPos);
+    void runDrag(const QPoint &pos);
+
+    // What updateData wrote last, shared with itemData until somebody changes that, and how much of it is the thumbnail
+    // of that key: an unchanged thumbnail need not be encoded again.
+    QByteArray written;
+    qint64 writtenKey = 0;
+    int writtenThumbnail = 0;
 };

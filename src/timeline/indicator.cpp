@@ -1,0 +1,42 @@
+#include "timeline/indicator.h"
+
+#include "app/patternrecord.h"
+#include "timeline/timescale.h"
+
+#include <QPainter>
+
+Indicator::Indicator(int top, QWidget *parent)
+    : QWidget(parent)
+    , indicatorY(top)
+{
+    setAttribute(Qt::WA_TransparentForMouseEvents);
+    setGeometry(0, top, 1, parent->height());
+}
+
+void Indicator::setIndicatorX(int x, bool user)
+{
+    // Left of the ruler the time is below zero for a moment, which whoever hears of the move raises to 0.
+    indicatorTime = QTime::fromMSecsSinceStartOfDay(glow::timeOfPixel(x));
+    if (x != this->x()) {
+        move(x, indicatorY);
+        emit moved(x, user);
+    }
+}
+
+void Indicator::setIndicatorTime(const QTime &t, bool user)
+{
+    indicatorTime = t;
+    const int x = glow::pixelOfTime(glow::msOf(t));
+    if (x != this->x()) {
+        move(x, indicatorY);
+        emit moved(x, user);
+    }
+}
+
+void Indicator::paintEvent(QPaintEvent *e)
+{
+    Q_UNUSED(e)
+    QPainter painter(this);
+    painter.setPen(QPen(QColor(10, 250, 250, 255), 1));
+    painter.drawLine(0, 0, 0, height());
+}

@@ -1,0 +1,196 @@
+// Tracks, the selection, drags between tracks, and the clipboard.
+#include "app/mainwindow.h"
+
+#include "timeline/dragformat.h"
+#include "timeline/indicator.h"
+#include "timeline/mylabel.h"
+#include "timeline/timeline.h"
+#include "timeline/timelineheaders.h"
+#include "timeline/timelineitem.h"
+#include "ui_mainwindow.h"
+
+#include <QDebug>
+#include <QMessageBox>
+#include <QMouseEvent>
+#include <QScrollBar>
+
+void MainWindow::addTimeline(short index)
+{
+    auto *track = new Timeline(ui->timeline_headers);
+    if (currentTimeline != nullptr) {
+        currentTimeline->setCurrent(false);
+    }
+    connect(track, &Timeline::itemClicked, this, &MainWindow::on_timelineItem_Clicked);
+    connect(track, &Timeline::itemDragEnd, this, &MainWindow::on_timelineItem_dragEnd);
+    connect(track, &Timeline::timelinePressed, this, &MainWindow::on_timeline_Pressed);
+    connect(track, &Timeline::dragIn, this, &MainWindow::on_timeline_dragIn);
+    connect(track, qOverload<Timeline *>(&Timeline::tlDuplicated_clicked), this, &MainWindow::on_tlDuplicated_clicked);
+    connect(track, &Timeline::timelineDeleteClicked, this, &MainWindow::on_timeline_remove_clicked);
+
+    // One index serves list and layout alike, though the layout begins with a spacer: the two orders differ.
+    const int place = qMax<int>(index, 1);
+    ui->timeline_layout->insertWidget(qMin(place, ui->timeline_layout->count()), track);
+    timelines.insert(qMin(place, timelines.size()), track);
+
+    auto *label = new MyLabel(this);
+    connect(label, &MyLabel::mousePress, track, &Timeline::on_label_pressed);
+    ui->timeline_rowheader_layout->insertWidget(qMin(place, ui->timeline_rowheader_layout->count()), label);
+    track->rowLabel = label;
+
+    currentTimeline = track;
+    track->setCurrent(true);
+    renumberTracks();
+}
+
+void MainWindow::renumberTracks()
+{
+    for (Timeline *track : qAsConst(timelines)) {
+        const int row = ui->timeline_layout->indexOf(track);
+        track->rowLabel->setText(QString::number(timelines.size() - row + 1));
+    }
+    // The labels of removed tracks stay behind in their layout; those that count stand at their tracks' places.
+    for (int row = 1; row < ui->timeline_layout->count(); ++row) {
+        const auto *track = qobject_cast<Timeline *>(ui->timeline_layout->itemAt(row)->widget());
+        if (track != nullptr && ui->timeline_rowheader_layout->indexOf(track->rowLabel) != row) {
+            ui->timeline_rowheader_layout->removeWidget(track->rowLabel);
+            ui->timeline_rowheader_layout->insertWidget(qMin(row, ui->timeline_rowheader_layout->count()),
+                                                        track->rowLabel);
+        }
+    }
+}
+
+void MainWindow::on_timeline_Pressed(Timeline *t, bool update)
+{
+    if (currentTimeline != nullptr) {
+        currentTimeline->setCurrent(false);
+    }
+    currentTimeline = t;
+    t->setCurrent(true);
+    if (!update) {
+        return;
+    }
+    ui->NEW_radio->toggle();
+    const TimelineItem *item = t->itemUnderHead(ui->timeline_headers->indicator->x());
+    if (item != nullptr) {
+        const float seconds = static_cast<float>(glow::durationMs(*item)) / 1000.0F;
+        previewPattern(item, static_cast<double>(seconds));
+    } else {
+        Oviewer_change(0, 0, 0);
+    }
+}
+
+void MainWindow::on_timeline_add_clicked()
+{
+    addTimeline(static_cast<short>(timelines.indexOf(currentTimeline)));
+}
+
+void MainWindow::on_tlDuplicated_clicked(Timeline *t)
+{
+    QList<QByteArray> blobs;
+    for (const TimelineItem *item : qAsConst(t->items)) {
+        blobs.append(item->itemData);
+    }
+    addTimeline(static_cast<short>(ui->timeline_layout->indexOf(currentTimeline)));
+    for (const QByteArray &blob : qAsConst(blobs)) {
+        currentTimeline->addTimelineItem(new TimelineItem(blob, currentTimeline));
+    }
+    if (!blobs.isEmpty()) {
+        updateStatus();
+    }
+}
+
+void MainWindow::on_timeline_remove_clicked()
+{
+    QScrollBar *bar = ui->timeline_scroll->horizontalScrollBar();
+    const int scrolled = bar->value();
+    if (timelines.size() > 1) {
+        const auto answer =
+            QMessageBox::warning(this, tr("確認移除軌道？"), tr("<font color='white'>此動作無法復原</font>"),
+                                 QMessageBox::Yes | QMessageBox::No, QMessageBox::No);
+        if (answer != QMessageBox::Yes) {
+            return;
+        }
+        // Hidden and never freed: the history can still name the track and what stands on it.
+        timelines.removeOne(currentTimeline);
+        currentTimeline->rowLabel->hide();
+        currentTimeline->hide();
+        currentTimeline->isCurrent = false;
+        ui->timeline_layout->removeWidget(currentTimeline);
+
+        currentTimeline = timelines.first();
+        currentTimeline->setCurrent(true);
+        ui->NEW_radio->setChecked(true);
+    }
+    renumberTracks();
+    bar->setValue(scrolled);
+}
+
+void MainWindow::on_timelineItem_Clicked(TimelineItem *item, bool moved)
+{
+    Q_UNUSED(moved)
+    if (currentItem != nullptr) {
+        currentItem->selected = 0;
+        currentItem->update();
+    }
+    currentItem = item;
+    previewItem = item;
+    loadItemToEditor(item);
+}
+
+void MainWindow::on_timeline_dragIn(Timeline *t)
+{
+    TimelineItem *item = currentTimeline->dragItem;
+    if (item == nullptr) {
+        return;
+    }
+    QScrollBar *bar = ui->timeline_scroll->horizontalScrollBar();
+    const int scrolled = bar->value();
+    currentTimeline->deleteTimelineItem(item);
+    currentTimeline->dragItem = nullptr;
+    t->addTimelineItem(item);
+    t->dragItem = item;
+    item->show();
+    bar->setValue(scrolled);
+}
+
+void MainWindow::on_timelineItem_dragEnd(QByteArray orig, TimelineItem *item, Timeline *orig_tl)
+{
+    Q_UNUSED(orig)
+    Q_UNUSED(orig_tl)
+    qDebug() << "item drag end";
+    if (currentItem != nullptr) {
+        currentItem->selected = 0;
+        currentItem->update();
+    }
+    currentItem = item;
+    previewItem = item;
+    loadItemToEditor(item);
+    updateStatus();
+}
+
+void MainWindow::on_itemCopy_clicked()
+{
+    if (currentItem != nullptr) {
+        qDebug() << "COPY";
+        currentItem->on_itemCopy_clicked();
+    }
+}
+
+void MainWindow::on_itemPaste_clicked()
+{
+    currentTimeline->on_itemPaste_clicked();
+}
+
+void MainWindow::on_actionCopy_triggered()
+{
+    if (currentItem != nullptr) {
+        currentItem->on_itemCopy_clicked();
+    }
+}
+
+void MainWindow::on_actionPaste_triggered()
+{
+    if (glow::clipboardHasPattern()) {
+        currentTimeline->on_itemPaste_clicked();
+    }
+}

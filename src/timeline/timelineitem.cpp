@@ -1,0 +1,213 @@
+#include "timeline/timelineitem.h"
+
+#include "app/propvalues.h"
+#include "app/repeatrules.h"
+#include "timeline/dragformat.h"
+#include "timeline/itemtexture.h"
+#include "timeline/timescale.h"
+
+#include <QDrag>
+#include <QGuiApplication>
+#include <QMenu>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QPointer>
+
+#include <algorithm>
+
+namespace {
+
+// Foreign times reach far beyond a day; a widget's place stays where adding its size to it cannot overflow.
+constexpr int farthestX = 1 << 29;
+
+// The smallest width once a zoom change has re-laid the item, at every zoom.
+constexpr int relaidMinimumWidth = 2;
+
+// Widest outline, and so how far beyond the exposed part an edge can still matter.
+constexpr int outlineReach = 8;
+
+} // namespace
+
+TimelineItem::TimelineItem(const QByteArray &data, QWidget *parent)
+    : QPushButton(parent)
+{
+    loadData(data);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+    setMouseTracking(true);
+    itemId = QStringLiteral("0x%1").arg(reinterpret_cast<quintptr>(this), 16, 16, QLatin1Char('0'));
+    show();
+}
+
+void TimelineItem::loadData(const QByteArray &data)
+{
+    static_cast<glow::PatternRecord &>(*this) = glow::readPattern(data);
+    itemData = data;
+    update_timeline_multi(true);
+}
+
+void TimelineItem::updateData()
+{
+    const bool known = thumbnail.cacheKey() == writtenKey && itemData.isSharedWith(written);
+    written.clear();
+    writtenThumbnail = glow::overwritePattern(itemData, *this, known ? writtenThumbnail : 0);
+    writtenKey = thumbnail.cacheKey();
+    written = itemData;
+
+    const QTime length = QTime::fromMSecsSinceStartOfDay(glow::durationMs(*this));
+    setToolTip(tr("長度: ") + glow::timeText(length) + QLatin1Char('\n') + tr("開始時間: ") +
+               glow::timeText(startTime) + QLatin1Char('\n') + tr("結束時間: ") + glow::timeText(endTime));
+}
+
+void TimelineItem::update_timeline_multi(bool rewrite)
+{
+    const int x = qBound(-farthestX, glow::pixelOfTime(glow::msOf(startTime)), farthestX);
+    const int width = qBound(0, glow::pixelOfTime(glow::durationMs(*this)), QWIDGETSIZE_MAX);
+    setGeometry(x, trackY, width, height());
+    if (rewrite) {
+        updateData();
+    }
+    update();
+}
+
+void TimelineItem::update_timeline_multi()
+{
+    setMinimumWidth(relaidMinimumWidth);
+    update_timeline_multi(false);
+}
+
+void TimelineItem::setTimes(const QTime &start, const QTime &end)
+{
+    startTime = start;
+    endTime = end;
+    if (speedValue != 0) {
+        const int columns = glow::columnsAtHeight(thumbnail, ledCount);
+        repeatCount = glow::placedRepeat(glow::durationMs(*this), speedValue, columns, frameRate);
+    }
+    update_timeline_multi(true);
+}
+
+void TimelineItem::on_itemDelete_clicked()
+{
+    emit itemDeleted(this);
+}
+
+void TimelineItem::on_itemCopy_clicked()
+{
+    glow::putPatternOnClipboard(itemData);
+}
+
+void TimelineItem::on_itemCut_clicked()
+{
+    on_itemCopy_clicked();
+    emit itemDeleted(this);
+}
+
+void TimelineItem::mousePressEvent(QMouseEvent *e)
+{
+    raise();
+    e->accept();
+    if (e->button() == Qt::RightButton) {
+        showContextMenu(e->globalPos());
+    } else if (e->button() == Qt::LeftButton) {
+        runDrag(e->pos());
+    }
+}
+
+void TimelineItem::mouseMoveEvent(QMouseEvent *e)
+{
+    const bool body = e->x() >= edgeMargin && e->x() <= width() - edgeMargin;
+    setCursor(body ? Qt::OpenHandCursor : Qt::SplitHCursor);
+    // The track hands it on to the ruler's hover line.
+    e->ignore();
+}
+
+void TimelineItem::mouseReleaseEvent(QMouseEvent *e)
+{
+    // The press has dealt with the whole gesture; a button's own release handling must not run.
+    e->accept();
+}
+
+void TimelineItem::mouseDoubleClickEvent(QMouseEvent *e)
+{
+    if (e->button() == Qt::LeftButton) {
+        emit itemDoubleClicked(this);
+    }
+}
+
+void TimelineItem::showContextMenu(const QPoint &globalPos)
+{
+    QMenu menu(tr("圖樣"), this);
+    menu.addAction(tr("移除"), this, &TimelineItem::on_itemDelete_clicked);
+    menu.addAction(tr("複製"), this, &TimelineItem::on_itemCopy_clicked);
+    menu.addAction(tr("剪下"), this, &TimelineItem::on_itemCut_clicked);
+    emit itemClicked(this, false);
+    menu.exec(globalPos);
+}
+
+void TimelineItem::runDrag(const QPoint &pos)
+{
+    selected = 1;
+    const QByteArray orig = itemData;
+    const QByteArray header = glow::writeDragHeader({x(), pos.x(), itemId});
+    const QRect before = geometry();
+    QWidget *const origParent = parentWidget();
+
+    auto *drag = new QDrag(this);
+    auto *data = new QMimeData;
+    setCursor(Qt::ClosedHandCursor);
+    data->setData(glow::mimeItem, header);
+    if (pos.x() < edgeMargin) {
+        setCursor(Qt::SplitHCursor);
+        data->setData(glow::mimeLeftEdge, header);
+    } else if (pos.x() > width() - edgeMargin) {
+        setCursor(Qt::SplitHCursor);
+        data->setData(glow::mimeRightEdge, header);
+    } else {
+        data->setData(glow::mimePattern, itemData);
+    }
+    drag->setMimeData(data);
+    drag->setHotSpot(pos);
+    pressPos = mapToParent(pos);
+
+    const QPointer<TimelineItem> self(this);
+    const bool held = QGuiApplication::mouseButtons().testFlag(Qt::LeftButton);
+    emit itemClicked(this, false);
+    emit dragBegins(this);
+
+    // Loading the item can have asked the user something. With the button long up nothing would ever end a drag.
+    const bool released = held && !QGuiApplication::mouseButtons().testFlag(Qt::LeftButton);
+    Qt::DropAction result = Qt::IgnoreAction;
+    if (released) {
+        delete drag;
+    } else {
+        result = drag->exec(Qt::MoveAction);
+    }
+    if (self.isNull() || result == Qt::MoveAction) {
+        return;
+    }
+
+    setCursor(Qt::OpenHandCursor);
+    if (geometry() != before) {
+        setTimes(glow::timeOf(glow::roundedTimeOfPixel(x())), glow::timeOf(glow::roundedTimeOfPixel(x() + width())));
+    }
+    emit dragEnd(orig, this, origParent);
+}
+
+void TimelineItem::paintEvent(QPaintEvent *e)
+{
+    QPainter painter(this);
+    painter.setPen(selected != 0 ? QPen(QColor(240, 240, 250, 255), 6) : QPen(QColor(0, 0, 0, 255), 2));
+
+    const QRect exposed = e->rect();
+    const glow::ItemTexture texture = glow::itemTexture(*this, size(), exposed.left(), exposed.right());
+    if (!texture.picture.isNull()) {
+        painter.setBrush(QBrush(texture.picture));
+        painter.setBrushOrigin(texture.x, 0);
+    }
+    // Of a rectangle (-1, -1, width, height + 2), what lies near the exposed part: painting costs what is seen.
+    const int left = std::max(-1, exposed.left() - outlineReach);
+    const int right = std::min(width() - 1, exposed.right() + outlineReach);
+    painter.drawRect(left, -1, right - left, height() + 2);
+}
