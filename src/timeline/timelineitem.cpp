@@ -1,7 +1,6 @@
 #include "timeline/timelineitem.h"
 
 #include "app/propvalues.h"
-#include "app/repeatrules.h"
 #include "timeline/dragformat.h"
 #include "timeline/itemtexture.h"
 #include "timeline/timescale.h"
@@ -79,12 +78,7 @@ void TimelineItem::update_timeline_multi()
 
 void TimelineItem::setTimes(const QTime &start, const QTime &end)
 {
-    startTime = start;
-    endTime = end;
-    if (speedValue != 0) {
-        const int columns = glow::columnsAtHeight(thumbnail, ledCount);
-        repeatCount = glow::placedRepeat(glow::durationMs(*this), speedValue, columns, frameRate);
-    }
+    glow::retime(*this, start, end, ledCount, frameRate);
     update_timeline_multi(true);
 }
 
