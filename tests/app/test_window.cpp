@@ -79,6 +79,9 @@ void TestWindow::drop(const QList<QUrl> &urls)
 {
     QMimeData data;
     data.setUrls(urls);
+    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(window.data(), &enter);
+    QVERIFY(enter.isAccepted());
     QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(window.data(), &event);
 }
