@@ -147,10 +147,14 @@ void MainWindow::updateStatus()
         count += track->items.size();
     }
     ui->Saved_status->setText(tr("圖樣數：") + QString::number(count));
+    const bool first = history.snapshots.isEmpty();
     if (!history.record(timelines)) {
         return;
     }
     modified = true;
+    if (first) {
+        return; // the base of the history is no change of the show
+    }
     // A project's title ends in two blanks so that the mark has a place; the bare name of a new show has none.
     QString title = windowTitle();
     if (title.size() > int(qstrlen("Glowsmith"))) {
