@@ -92,7 +92,7 @@ int runGlowsmith(int argc, char **argv)
     initResources();
     prepareApplication();
     const int result = runProgram();
-    if (about::leftUnanswered()) {
+    if (about::unansweredChecks() > 0) {
         // Everything is saved and closed; what is left would only wait for a network that does not answer.
         std::fflush(nullptr);
         std::_Exit(result);

@@ -76,9 +76,9 @@ about::~about()
     delete ui;
 }
 
-bool about::leftUnanswered()
+int about::unansweredChecks()
 {
-    return unanswered > 0;
+    return unanswered;
 }
 
 void about::on_pushButton_clicked()

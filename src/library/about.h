@@ -30,9 +30,9 @@ public:
     double appVersion;
     Ui::about *ui;
 
-    // True if a check was given up before the server answered. The system's name lookup may then still be running,
-    // which cannot be cancelled, and QApplication's destructor would wait for it.
-    static bool leftUnanswered();
+    // How many checks of this run have no answer, those that were given up included. The system's name lookup may then
+    // still be running, which cannot be cancelled, and QApplication's destructor would wait for it.
+    static int unansweredChecks();
 
 signals:
     void loadFile(QString path);
@@ -49,5 +49,5 @@ public slots:
 
 private:
     QVector<QNetworkAccessManager *> managers; // one for each check; the older ones may still be waiting
-    static int unanswered;                     // checks without an answer
+    static int unanswered;
 };
