@@ -21,6 +21,12 @@
 
 namespace {
 
+// Qt calls a widget hidden as well that nobody has shown yet, such as a track that was only just added.
+bool wasHidden(const Timeline &track)
+{
+    return track.isHidden() && track.testAttribute(Qt::WA_WState_ExplicitShowHide);
+}
+
 // The show as it is written. A hidden track is left out with its separator; if the last one is hidden, the separator
 // before it stands and reads as an empty track.
 glow::Project projectOf(const MainWindow &window, QProgressDialog &progress)
@@ -32,7 +38,7 @@ glow::Project projectOf(const MainWindow &window, QProgressDialog &progress)
         project.songPath = window.audioDecoder->sourceFilename();
     }
     for (const Timeline *track : window.timelines) {
-        if (track->isHidden()) {
+        if (wasHidden(*track)) {
             continue;
         }
         QVector<QByteArray> blobs;
@@ -42,7 +48,7 @@ glow::Project projectOf(const MainWindow &window, QProgressDialog &progress)
         }
         project.tracks.append(blobs);
     }
-    if (!project.tracks.isEmpty() && window.timelines.last()->isHidden()) {
+    if (!project.tracks.isEmpty() && wasHidden(*window.timelines.last())) {
         project.tracks.append(QVector<QByteArray>());
     }
     return project;
@@ -151,10 +157,10 @@ void MainWindow::LoadFile(QString path)
         on_timeline_scaler_valueChanged(ui->timeline_scaler->value());
         scanMissingPictures();
     }
+    // The steps of opening are no changes of the show: none can be undone, and none leaves its mark in the title.
+    setUpTitle(title);
     history.clear();
     updateStatus();
-    // The first snapshot is no change of the show.
-    setUpTitle(title);
 }
 
 void MainWindow::closeSong()
@@ -164,7 +170,7 @@ void MainWindow::closeSong()
     }
     player->stop();
     player->setMedia(QMediaContent());
-    cancel_decoder();
+    endDecode();
     audioDecoder->deleteLater();
     audioDecoder = nullptr;
     waveSamples.clear();

@@ -1,41 +1,21 @@
 // Writing a file in one piece: what is there before stays whole whenever the new bytes do not arrive.
 #include "app/wholefile.h"
+#include "smalldisk.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryDir>
 #include <QtTest>
 
+#include <memory>
+
 #ifdef Q_OS_UNIX
-#include <csignal>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #endif
 
 using glow::WriteResult;
 
 namespace {
-
-#ifdef Q_OS_UNIX
-// While it lives no file of this process grows beyond so many bytes: writing more fails as it does on a full disk.
-class SmallDisk
-{
-public:
-    explicit SmallDisk(rlim_t bytes)
-    {
-        std::signal(SIGXFSZ, SIG_IGN);
-        getrlimit(RLIMIT_FSIZE, &before);
-        rlimit limit = before;
-        limit.rlim_cur = bytes;
-        setrlimit(RLIMIT_FSIZE, &limit);
-    }
-    ~SmallDisk() { setrlimit(RLIMIT_FSIZE, &before); }
-    Q_DISABLE_COPY_MOVE(SmallDisk)
-
-private:
-    rlimit before;
-};
-#endif
 
 QByteArray contentOf(const QString &path)
 {
