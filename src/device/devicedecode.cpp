@@ -53,6 +53,7 @@ void ImageReader::feed(const QByteArray &bytes)
 void ImageReader::take(uchar byte)
 {
     const int cut = form == Form::Wire ? 2 : 0;
+    headerSize += state < State::StartMarker ? 1 : 0;
     switch (state) {
     case State::Marks:
     case State::Counts:

@@ -43,7 +43,9 @@ public:
 
     void feed(const QByteArray &bytes);
 
-    bool headerDone() const { return state >= State::StartMarker; }
+    bool headerDone() const { return state >= State::StartMarker && state != State::Failed; }
+    // Bytes that belong to the header, as far as it has come.
+    qint64 headerBytes() const { return headerSize; }
     // All entries are there. A loop tail may still follow; only the end of the data tells that it does not.
     bool complete() const { return state == State::Tail || state == State::Ended; }
     bool failed() const { return state == State::Failed; }
@@ -65,8 +67,9 @@ private:
 
     Form form;
     State state = State::Marks;
-    QByteArray piece;      // of the field being read
-    int rateLength = 0;    // bytes of the frame rate still to come
+    QByteArray piece;   // of the field being read
+    int rateLength = 0; // bytes of the frame rate still to come
+    qint64 headerSize = 0;
     int entry = 0;         // entry being read
     int frame = 0;         // bytes of the frame being read
     bool measured = false; // show.leds is that of a frame

@@ -1,4 +1,5 @@
-// The device image of a project's track without a window, byte for byte what the window exports after opening the project.
+// The device image of a project's track without a window, byte for byte what the window exports after opening the
+// project.
 #pragma once
 
 #include "app/patternrecord.h"
@@ -22,8 +23,8 @@ struct ShowOptions
 int shownLeds(const Project &project);
 int shownRate(const Project &project);
 
-// The patterns of a track (index into Project::tracks) in start-time order, with patterns of an equal start cut or dropped as
-// the window does before it exports. Empty for a track that does not exist.
+// The patterns of a track (index into Project::tracks) in start-time order, with patterns of an equal start cut or
+// dropped as the window does before it exports. Empty for a track that does not exist.
 QVector<PatternRecord> exportedPatterns(const Project &project, int track);
 
 DeviceShow showOfTrack(const Project &project, int track, const ShowOptions &options);

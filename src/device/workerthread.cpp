@@ -32,7 +32,7 @@ WorkerThread::~WorkerThread()
 
 void WorkerThread::run()
 {
-    // The thread can be ended in endHereIfKilled only. Elsewhere it may hold a lock (memory, the debug stream, an event
+    // The thread can be ended in endHere only. Elsewhere it may hold a lock (memory, the debug stream, an event
     // queue) that the rest of the program would then wait for forever.
     setTerminationEnabled(false);
     {
@@ -61,15 +61,23 @@ void WorkerThread::kill()
     // Ending a thread a second time can hit another one that took over its identity. It cannot end while the gate is
     // held.
     if (phase == Phase::Running) {
+        killed = true;
         terminate();
     }
 }
 
 void WorkerThread::endHereIfKilled()
 {
-    if (currentThread() == this) {
-        setTerminationEnabled(true);
-        setTerminationEnabled(false);
+    if (killed && currentThread() == this) {
+        endHere();
+    }
+}
+
+void WorkerThread::endHere()
+{
+    setTerminationEnabled(true);
+    while (true) {
+        msleep(1); // terminate() is on its way
     }
 }
 

@@ -15,6 +15,7 @@
 #include <QThread>
 #include <QWaitCondition>
 
+#include <atomic>
 #include <memory>
 
 class QFile;
@@ -62,6 +63,7 @@ private:
     bool waitForData(int ms);
     void waitUntilSent();
     void endHereIfKilled();
+    [[noreturn]] void endHere();
 
     // Owned by the object and not by the stack, so that the end by kill() leaves them open.
     std::unique_ptr<QFile> header;
@@ -70,4 +72,5 @@ private:
     QMutex gate;
     QWaitCondition begun;
     Phase phase = Phase::NotBegun;
+    std::atomic<bool> killed{false};
 };

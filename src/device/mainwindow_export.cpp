@@ -1,0 +1,79 @@
+// The current track as the prop's data: the two temporary files that an upload sends, and the ".bin" file.
+#include "app/mainwindow.h"
+
+#include "app/propvalues.h"
+#include "device/binfile.h"
+#include "device/deviceimage.h"
+#include "timeline/timeline.h"
+#include "timeline/timelineheaders.h"
+#include "timeline/timelineitem.h"
+#include "timeline/timescale.h"
+#include "ui_mainwindow.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QMessageBox>
+
+void MainWindow::buildDeviceImage()
+{
+    ui->GLWidget->setEnabled(false); // until the export or the upload has ended
+    QFile frameData(QStringLiteral("extemp.tmp"));
+    QFile header(QStringLiteral("extemp2.tmp"));
+    frameData.open(QIODevice::WriteOnly);
+    header.open(QIODevice::WriteOnly);
+
+    currentTimeline->sortItems();
+    glow::DeviceShow show;
+    show.ledCount = ledCount;
+    show.frameRate = frameRate;
+    show.ledsShown = ui->Leds->value();
+    show.rateShown = ui->FPS_V->value();
+    show.slot = ui->prop_track->currentIndex() + 1;
+    show.loop = ui->AutoRepeat->isChecked();
+    show.startMarkMs = glow::timeOfPixel(ui->timeline_headers->startMarkX);
+    for (const TimelineItem *item : qAsConst(currentTimeline->items)) {
+        show.patterns.append(glow::showPattern(*item));
+    }
+    glow::writeDeviceImage(show, frameData, header, [this](int percent) {
+        ui->progressBar->setValue(percent);
+        update();
+    });
+}
+
+void MainWindow::on_Ex_Button_clicked()
+{
+    scanMissingPictures(); // for information: the export works from the thumbnails
+    if (currentTimeline->items.isEmpty()) {
+        // Nothing to pack; the same answer as an upload's.
+        QMessageBox::warning(this, tr("無可上傳圖樣"), tr("請選擇正確之時間軸"), QMessageBox::Ok,
+                             QMessageBox::NoButton);
+        return;
+    }
+    QString path = QFileDialog::getSaveFileName(this, tr("匯出"), QDir::homePath() + QStringLiteral("/Documents"),
+                                                QStringLiteral("*.bin"));
+    if (path.isEmpty()) {
+        return;
+    }
+    if (!path.contains(QLatin1String(".bin"))) {
+        path += QLatin1String(".bin");
+    }
+    ui->Ex_Button->setEnabled(false);
+    buildDeviceImage();
+    currentFile = path;
+    {
+        QFile out(path);
+        QFile header(QStringLiteral("extemp2.tmp"));
+        QFile frameData(QStringLiteral("extemp.tmp"));
+        out.open(QIODevice::WriteOnly);
+        header.open(QIODevice::ReadOnly);
+        frameData.open(QIODevice::ReadOnly);
+        glow::writeBin(header, frameData, out, [this](int percent) { ui->progressBar->setValue(percent); });
+    }
+    ui->Ex_Button->setEnabled(true);
+    ui->GLWidget->setEnabled(true);
+    ui->progressBar->setValue(100);
+    ui->UPload_Button->setText(tr("上傳至道具"));
+    QMessageBox::about(this, tr("完成"), tr("上傳完成"));
+    uploadThread = nullptr;
+}

@@ -1,0 +1,74 @@
+// The upload button, which starts an upload or cancels the running one, and what it shows of the thread's reports.
+#include "app/mainwindow.h"
+
+#include "device/portnames.h"
+#include "device/workerthread.h"
+#include "timeline/timeline.h"
+#include "ui_mainwindow.h"
+
+#include <QMessageBox>
+
+void MainWindow::on_UPload_Button_clicked()
+{
+    if (uploadThread != nullptr) {
+        const WorkerThread *cancelled = uploadThread;
+        emit Upload_Cancel_Clicked();
+        ui->UPload_Button->setText(tr("上傳至道具"));
+        ui->progressBar->setValue(0);
+        // What the thread reported just before its end may still arrive while the box is up.
+        QMessageBox::warning(this, tr("已取消上傳"), tr("已取消上傳"), QMessageBox::Ok, QMessageBox::NoButton);
+        disconnect(this, nullptr, cancelled, nullptr);
+        uploadThread = nullptr; // the object lives on: its port and files are never closed
+        return;
+    }
+    if (currentTimeline->items.isEmpty()) {
+        QMessageBox::warning(this, tr("無可上傳圖樣"), tr("請選擇正確之時間軸"), QMessageBox::Ok,
+                             QMessageBox::NoButton);
+        return;
+    }
+    uploadThread = new WorkerThread;
+    connect(uploadThread, &WorkerThread::progress, this, &MainWindow::mySlot);
+    connect(uploadThread, &WorkerThread::expmess, this, &MainWindow::warnex);
+    connect(uploadThread, &WorkerThread::finish, this, &MainWindow::finishup);
+    connect(uploadThread, &WorkerThread::terminated, this, &MainWindow::terminateup);
+    connect(this, &MainWindow::Upload_Cancel_Clicked, uploadThread, &WorkerThread::kill);
+    ui->UPload_Button->setText(tr("轉檔中..."));
+    buildDeviceImage();
+    ui->UPload_Button->setText(tr("傳輸中..."));
+    uploadThread->start(QThread::InheritPriority);
+}
+
+void MainWindow::on_actionUpload_triggered()
+{
+    on_UPload_Button_clicked();
+}
+
+void MainWindow::mySlot(int arg1, int arg2)
+{
+    ui->statusBar->showMessage(glow::portLabel(arg2) + tr(" 輸出中 ") + QString::number(arg1) + QLatin1Char('%'));
+    ui->progressBar->setValue(arg1);
+    update();
+}
+
+void MainWindow::warnex(QString str)
+{
+    ui->GLWidget->setEnabled(true);
+    ui->Ex_Button->setEnabled(true);
+    ui->UPload_Button->setText(tr("上傳至道具"));
+    QMessageBox::critical(this, QString(), QStringLiteral("<font color='white'>") + str + QStringLiteral("</font>"),
+                          QMessageBox::Ok, QMessageBox::NoButton);
+}
+
+void MainWindow::finishup()
+{
+    ui->GLWidget->setEnabled(true);
+    ui->Ex_Button->setEnabled(true);
+    ui->UPload_Button->setText(tr("上傳至道具"));
+    QMessageBox::about(this, tr("完成"), tr("上傳完成"));
+    uploadThread = nullptr;
+}
+
+void MainWindow::terminateup()
+{
+    uploadThread = nullptr;
+}

@@ -1,0 +1,125 @@
+#include "device/setup.h"
+
+#include "device/portnames.h"
+#include "device/portscan.h"
+#include "forms/style.h"
+#include "ui_setup.h"
+
+#include <QDebug>
+#include <QSerialPort>
+#include <QTextCodec>
+#include <QTextCursor>
+
+namespace {
+
+// Pauses between two insertions: in a flood the terminal spends a quarter of its time on them.
+constexpr int leastPauseMs = 20;
+constexpr int pauseShare = 3;
+
+} // namespace
+
+setup::setup(QWidget *parent)
+    : QDialog(parent)
+    , ui(new Ui::setup)
+    , decoder(QTextCodec::codecForName("UTF-8")->makeDecoder())
+{
+    ui->setupUi(this);
+    glow::applyStyle(this);
+    ui->MONITOR->clear();
+    ui->MONITOR->setUndoRedoEnabled(false); // would keep every byte that ever came
+    ui->SEND_BUTTON->addAction(ui->actionenter);
+    ui->actionenter->setEnabled(true);
+    pause.setSingleShot(true);
+    connect(&pause, &QTimer::timeout, this, &setup::showPending);
+    search();
+}
+
+setup::~setup()
+{
+    delete ui;
+}
+
+void setup::search()
+{
+    ui->MONITOR->insertPlainText(tr("連線中..."));
+    serial = new QSerialPort(this);
+    glow::setUpPort(*serial, glow::maintenanceBaud);
+    update();
+
+    glow::ScanRules rules;
+    rules.accepts = [](const QString &text) {
+        qDebug() << text;
+        return true;
+    };
+    rules.trying = [](int number) { qDebug() << glow::portLabel(number); };
+    rules.silent = [this](int number) {
+        ui->MONITOR->insertPlainText(glow::portLabel(number) + QStringLiteral("not working."));
+        qDebug() << glow::portLabel(number) << "not working.";
+    };
+    switch (glow::scanPorts(*serial, portNumber, rules)) {
+    case glow::ScanResult::Found:
+        ui->MONITOR->insertPlainText(glow::portLabel(portNumber) + tr("連接成功"));
+        connect(serial, &QSerialPort::readyRead, this, &setup::read_to_monitor);
+        break;
+    case glow::ScanResult::NoneOpen:
+        qDebug() << "Can't find open device.";
+        ui->MONITOR->appendPlainText(tr("偵測不到裝置！"));
+        break;
+    case glow::ScanResult::NoAnswer:
+        break;
+    }
+}
+
+void setup::read_to_monitor()
+{
+    pending += decoder->toUnicode(serial->readAll());
+    if (pending.size() > monitorLimit) {
+        pending = pending.right(monitorLimit);
+    }
+    if (!pause.isActive()) {
+        showPending();
+    }
+}
+
+void setup::showPending()
+{
+    if (pending.isEmpty()) {
+        return;
+    }
+    QElapsedTimer clock;
+    clock.start();
+    QTextDocument *document = ui->MONITOR->document();
+    const int excess = document->characterCount() + pending.size() - monitorLimit;
+    if (excess > 0) {
+        // More than needed, so that not every insertion has to.
+        QTextCursor oldest(document);
+        oldest.setPosition(qMin(excess + monitorLimit / 4, document->characterCount() - 1), QTextCursor::KeepAnchor);
+        oldest.removeSelectedText();
+    }
+    // The user may have marked something: it is text that came, and stays.
+    QTextCursor cursor = ui->MONITOR->textCursor();
+    if (cursor.hasSelection()) {
+        cursor.clearSelection();
+        ui->MONITOR->setTextCursor(cursor);
+    }
+    ui->MONITOR->insertPlainText(pending);
+    pending.clear();
+    if (ui->checkBox->isChecked()) {
+        ui->MONITOR->ensureCursorVisible();
+    }
+    pause.start(qMax(leastPauseMs, static_cast<int>(clock.elapsed()) * pauseShare));
+}
+
+void setup::on_SEND_BUTTON_clicked()
+{
+    if (!serial->isOpen()) {
+        return;
+    }
+    serial->write(ui->COMMAND->text().toLocal8Bit());
+    ui->COMMAND->clear();
+}
+
+void setup::on_actionenter_triggered()
+{
+    on_SEND_BUTTON_clicked();
+}
