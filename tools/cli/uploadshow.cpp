@@ -84,7 +84,7 @@ int upload(const QStringList &arguments)
     thread.wait();
     QCoreApplication::processEvents();
     QDir::setCurrent(before);
-    QTextStream(stderr) << Qt::endl;
+    QTextStream(stderr) << "\n";
     if (thread.uploadOk == 0) {
         complain(failure.isEmpty() ? QStringLiteral("the prop did not finish") : failure);
         return Failed;
