@@ -24,8 +24,8 @@ void restoreItem(Timeline *track, TimelineItem *item, const QByteArray &blob)
     if (placed) {
         return;
     }
-    // Whatever still lists or shows it lets go first, a track that was removed since included: so nothing is ever listed or
-    // connected twice.
+    // Whatever still lists or shows it lets go first, a track that was removed since included: so nothing is ever
+    // listed or connected twice.
     if (holder != nullptr && holder != track) {
         holder->deleteTimelineItem(item);
     }

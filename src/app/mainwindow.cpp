@@ -3,6 +3,7 @@
 
 #include "app/appsettings.h"
 #include "app/propvalues.h"
+#include "app/recovery.h"
 #include "forms/style.h"
 #include "render/randomdraw.h"
 #include "resources/resources.h"
@@ -185,8 +186,15 @@ void MainWindow::closeEvent(QCloseEvent *event)
     if (answer == QMessageBox::Save) {
         on_actionSave_triggered();
         event->accept();
+        // A save that failed, or that found no name, leaves the show to the next start.
+        if (recovery != nullptr && !recovery->hasUnsaved()) {
+            recovery->discard();
+        }
     } else if (answer == QMessageBox::No) {
         event->accept();
+        if (recovery != nullptr) {
+            recovery->discard();
+        }
     } else {
         event->ignore();
     }

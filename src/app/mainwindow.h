@@ -20,7 +20,10 @@
 #include <QVector>
 #include <QtCharts/QLineSeries>
 
+#include <functional>
+
 class ChartView;
+class Recovery;
 class QActionGroup;
 class QProgressDialog;
 class QSerialPort;
@@ -31,6 +34,11 @@ class WorkerThread;
 namespace Ui {
 class MainWindow;
 }
+
+namespace glow {
+struct Project;
+struct UnsavedShow;
+} // namespace glow
 
 class MainWindow : public QMainWindow
 {
@@ -72,6 +80,14 @@ public:
     double waveMax = 0; // largest absolute y of waveSamples
 
     WorkerThread *uploadThread = nullptr; // null whenever no upload is under way
+
+    Recovery *recovery = nullptr; // keeps a copy of the unsaved show; null where nothing is to be kept
+
+    // The show as it would be saved. progress, when given, hears each pattern's index within its track.
+    glow::Project asProject(const std::function<void(int)> &progress = {}) const;
+
+    // Opens a show that an earlier run left unsaved: it belongs to the file it belonged to, and is not saved yet.
+    void restoreShow(const glow::UnsavedShow &show);
 
     // True if a song is loaded: the player is the clock then.
     bool hasSong() const { return waveSamples.size() > 1; }

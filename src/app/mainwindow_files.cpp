@@ -2,6 +2,7 @@
 #include "app/mainwindow.h"
 
 #include "app/appsettings.h"
+#include "app/recovery.h"
 #include "timeline/mylabel.h"
 #include "timeline/timeline.h"
 #include "ui_mainwindow.h"
@@ -55,6 +56,9 @@ bool MainWindow::on_actionNew_triggered()
     if (renewed) {
         resetDocument();
         setWindowTitle(QStringLiteral("Glowsmith"));
+        if (recovery != nullptr) {
+            recovery->showIsSafe();
+        }
     }
     // Also after Cancel the show has no file and no past any more.
     hasFile = false;

@@ -5,6 +5,7 @@
 #include "app/oldproject.h"
 #include "app/projectfile.h"
 #include "app/propvalues.h"
+#include "app/recovery.h"
 #include "app/settingstext.h"
 #include "app/wholefile.h"
 #include "song/chartview.h"
@@ -25,33 +26,6 @@ namespace {
 bool wasHidden(const Timeline &track)
 {
     return track.isHidden() && track.testAttribute(Qt::WA_WState_ExplicitShowHide);
-}
-
-// The show as it is written. A hidden track is left out with its separator; if the last one is hidden, the separator
-// before it stands and reads as an empty track.
-glow::Project projectOf(const MainWindow &window, QProgressDialog &progress)
-{
-    glow::Project project;
-    project.ledCount = ledCount;
-    project.frameRate = frameRate;
-    if (window.audioDecoder != nullptr) {
-        project.songPath = window.audioDecoder->sourceFilename();
-    }
-    for (const Timeline *track : window.timelines) {
-        if (wasHidden(*track)) {
-            continue;
-        }
-        QVector<QByteArray> blobs;
-        for (int i = 0; i < track->items.size(); ++i) {
-            blobs.append(track->items.at(i)->itemData);
-            progress.setValue(i);
-        }
-        project.tracks.append(blobs);
-    }
-    if (!project.tracks.isEmpty() && wasHidden(*window.timelines.last())) {
-        project.tracks.append(QVector<QByteArray>());
-    }
-    return project;
 }
 
 void placePattern(MainWindow &window, const QByteArray &blob)
@@ -85,6 +59,35 @@ void placeTracks(MainWindow &window, const glow::Project &project)
 
 } // namespace
 
+// A hidden track is left out with its separator; if the last one is hidden, the separator before it stands and reads as
+// an empty track.
+glow::Project MainWindow::asProject(const std::function<void(int)> &progress) const
+{
+    glow::Project project;
+    project.ledCount = ledCount;
+    project.frameRate = frameRate;
+    if (audioDecoder != nullptr) {
+        project.songPath = audioDecoder->sourceFilename();
+    }
+    for (const Timeline *track : timelines) {
+        if (wasHidden(*track)) {
+            continue;
+        }
+        QVector<QByteArray> blobs;
+        for (int i = 0; i < track->items.size(); ++i) {
+            blobs.append(track->items.at(i)->itemData);
+            if (progress) {
+                progress(i);
+            }
+        }
+        project.tracks.append(blobs);
+    }
+    if (!project.tracks.isEmpty() && wasHidden(*timelines.last())) {
+        project.tracks.append(QVector<QByteArray>());
+    }
+    return project;
+}
+
 void MainWindow::setUpTitle(const QString &path)
 {
     // Of the two blanks the second gives its place to the "*" of a changed show.
@@ -100,13 +103,17 @@ void MainWindow::on_actionSave_triggered()
     QProgressDialog progress(tr("儲存中..."), tr("取消"), 0, currentTimeline->items.size() - 1, this);
     progress.setAutoClose(true);
     progress.show();
-    const glow::WriteResult result = glow::writeWholeFile(currentFile, glow::writeProject(projectOf(*this, progress)));
+    const glow::WriteResult result = glow::writeWholeFile(
+        currentFile, glow::writeProject(asProject([&progress](int index) { progress.setValue(index); })));
     progress.hide();
     switch (result.state) {
     case glow::WriteResult::Written:
         // This is what takes the "*" away, so not before the show is safe.
         setUpTitle(currentFile);
         AppSettings().setValue(QStringLiteral("main/currentfile"), currentFile);
+        if (recovery != nullptr) {
+            recovery->showIsSafe();
+        }
         break;
     case glow::WriteResult::NotOpened:
         break;
@@ -145,9 +152,8 @@ void MainWindow::LoadFile(QString path)
 
     QByteArray bytes;
     const bool opened = glow::readWholeFile(path, bytes);
-    // Saving must not ask for no name and then empty a file that could not even be read.
-    hasFile = opened;
     if (opened) {
+        hasFile = true;
         if (glow::isProjectPath(path)) {
             openProject(bytes);
         } else {
@@ -161,6 +167,26 @@ void MainWindow::LoadFile(QString path)
     setUpTitle(title);
     history.clear();
     updateStatus();
+    if (recovery != nullptr) {
+        recovery->showIsSafe();
+    }
+}
+
+void MainWindow::restoreShow(const glow::UnsavedShow &show)
+{
+    resetDocument();
+    closeSong();
+    openProject(show.project);
+    currentFile = show.file;
+    hasFile = show.hasFile;
+    on_timeline_scaler_valueChanged(ui->timeline_scaler->value());
+    scanMissingPictures();
+    history.clear();
+    updateStatus();
+    if (hasFile) {
+        setUpTitle(currentFile);
+        setWindowTitle(windowTitle().chopped(1) + u'*');
+    }
 }
 
 void MainWindow::closeSong()

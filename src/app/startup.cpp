@@ -3,6 +3,7 @@
 #include "app/appsettings.h"
 #include "app/mainwindow.h"
 #include "app/programversion.h"
+#include "app/recovery.h"
 #include "forms/style.h"
 #include "library/about.h"
 #include "resources/resources.h"
@@ -10,10 +11,12 @@
 #include <QApplication>
 #include <QIcon>
 #include <QLocale>
+#include <QMessageBox>
 #include <QTranslator>
 
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 
 namespace glow {
 
@@ -57,6 +60,25 @@ void showAsLeft(MainWindow &window)
     window.show();
 }
 
+// A show that went down with an earlier run is offered once: what is declined is gone.
+bool wantsBack(RecoveryStore &store, UnsavedShow &show)
+{
+    if (!store.findLeftover(show)) {
+        return false;
+    }
+    QMessageBox box(QMessageBox::Question, QString(),
+                    QStringLiteral("<font color='white'>發現上次未儲存的光舞，是否復原？<br>"
+                                   "An unsaved show was found. Restore it?</font>"),
+                    QMessageBox::Yes | QMessageBox::No);
+    box.setDefaultButton(QMessageBox::Yes);
+    applyStyle(&box);
+    const bool wanted = box.exec() == QMessageBox::Yes;
+    if (!wanted) {
+        store.forgetLeftover();
+    }
+    return wanted;
+}
+
 int runProgram()
 {
     QTranslator translator;
@@ -72,10 +94,18 @@ int runProgram()
         }
         project = start.loadPath;
     }
+    auto store = std::make_unique<RecoveryStore>(RecoveryStore::standardFolder());
+    UnsavedShow unsaved;
+    const bool restore = wantsBack(*store, unsaved);
+
     MainWindow window;
     window.setWindowIcon(icon);
-    if (!project.isEmpty()) {
+    if (!project.isEmpty() && !restore) {
         window.LoadFile(project);
+    }
+    window.recovery = new Recovery(&window, std::move(store));
+    if (restore) {
+        window.recovery->restore(unsaved);
     }
     showAsLeft(window);
     return QCoreApplication::exec();
