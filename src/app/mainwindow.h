@@ -319,6 +319,12 @@ private:
     // The two formats of projects, into the empty document (app/mainwindow_project.cpp).
     void openProject(const QByteArray &bytes);
     void openOldProject(const QByteArray &bytes);
+    // A new result of the picture tab: its repeat count, the preview and the tab's own view.
+    void showPicturePixmap(const QPixmap &pixmap);
+    // The colour that the text tab's numbers edit.
+    QColor &selectedTextColor();
+    // Shows the numbers of the colour tab on its button and in the preview.
+    void showColor();
     // A show without a song: nothing plays or decodes any more, and a save writes that there is none.
     void closeSong();
 };
