@@ -1,53 +1,69 @@
 #include "preview/mygl.h"
 
-#include <QElapsedTimer>
+#include <QDebug>
+#include <QLayout>
+#include <QOpenGLContext>
 #include <QPaintEvent>
 #include <QPainter>
-#include <QSizePolicy>
 #include <QSurfaceFormat>
 
 namespace {
 
-// Stands in for the OpenGL surface. Composing a frame without OpenGL costs milliseconds, so it leaves the event loop
-// time for everything else.
-class RasterView : public QWidget
+// Stands in for the OpenGL surface. It repaints at a pace that leaves the event loop time for everything else, since
+// such a system is often a slow one.
+class RasterSurface : public QWidget
 {
 public:
-    explicit RasterView(MyGL *owner)
-        : QWidget(owner)
+    RasterSurface(MyGL *owner, QWidget *parent)
+        : QWidget(parent)
         , prop(owner)
     {
         setAttribute(Qt::WA_OpaquePaintEvent);
-        setAttribute(Qt::WA_TransparentForMouseEvents);
-        resize(owner->size());
-        connect(&timer, &QTimer::timeout, this, [this]() { update(); });
+        setSizePolicy(owner->sizePolicy());
+        setMinimumSize(owner->minimumSize());
+        setMaximumSize(owner->maximumSize());
+        setGeometry(owner->geometry());
+        connect(&timer, &QTimer::timeout, this, qOverload<>(&QWidget::update));
         timer.start(frameMs);
-        show();
     }
 
 protected:
-    void paintEvent(QPaintEvent *) override
+    void paintEvent(QPaintEvent * /*event*/) override
     {
         QPainter painter(this);
-        prop->paintOpaqueFrame(painter, width(), height());
+        if (prop != nullptr) {
+            prop->paintFrame(painter, width(), height());
+        }
     }
 
 private:
     static constexpr int frameMs = 33;
 
-    glow::PropSimulator *prop;
+    QPointer<MyGL> prop;
     QTimer timer;
 };
+
+// Asked once: a system does not gain OpenGL while the program runs.
+bool systemHasOpenGL()
+{
+    static const bool has = []() {
+        QOpenGLContext context;
+        return context.create();
+    }();
+    return has;
+}
 
 } // namespace
 
 MyGL::MyGL(QWidget *parent)
-    : QOpenGLWidget(parent)
+    // Without OpenGL Qt cannot paint a window that has a render-to-texture widget anywhere below it, hidden or not. As
+    // a window of its own, never shown, this one keeps out of its parent's window.
+    : QOpenGLWidget(parent, systemHasOpenGL() ? Qt::WindowFlags() : Qt::Window)
 {
-    QSurfaceFormat surface;
-    surface.setSwapInterval(0);
-    surface.setSwapBehavior(QSurfaceFormat::DoubleBuffer);
-    setFormat(surface);
+    QSurfaceFormat surfaceFormat;
+    surfaceFormat.setSwapInterval(0);
+    surfaceFormat.setSwapBehavior(QSurfaceFormat::DoubleBuffer);
+    setFormat(surfaceFormat);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
     setMinimumSize(200, 200);
     setMaximumSize(9999, 9999);
@@ -56,12 +72,27 @@ MyGL::MyGL(QWidget *parent)
     connect(&fpsTimer, &QTimer::timeout, this, &MyGL::update_fps);
     repaintTimer.start(1);
     fpsTimer.start(500);
+
+    if (!systemHasOpenGL() && parent != nullptr) {
+        hide();
+        repaintTimer.stop();
+        // The layout that this widget will stand in is not there yet.
+        QTimer::singleShot(0, this, &MyGL::useRasterSurface);
+    }
 }
 
 void MyGL::setPattern(const QPixmap &pixmap, short leds, int fps, double seconds, int repeats)
 {
     Q_UNUSED(fps)
     showPicture(pixmap.toImage(), leds, seconds, repeats);
+}
+
+QWidget *MyGL::surface()
+{
+    if (rasterSurface != nullptr) {
+        return rasterSurface;
+    }
+    return this;
 }
 
 void MyGL::update_fps()
@@ -74,33 +105,16 @@ void MyGL::initializeGL() {}
 void MyGL::paintGL()
 {
     QPainter painter(this);
-    // The surface's buffer has an alpha channel whatever the window's has. It starts transparent, as the afterglow's
-    // composition wants it, and what stays transparent is filled with black last.
-    painter.setCompositionMode(QPainter::CompositionMode_Source);
-    painter.fillRect(rect(), Qt::transparent);
-    painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     paintFrame(painter, width(), height());
-    painter.setCompositionMode(QPainter::CompositionMode_DestinationOver);
-    painter.fillRect(rect(), Qt::black);
 }
 
-void MyGL::resizeEvent(QResizeEvent *event)
+void MyGL::useRasterSurface()
 {
-    QOpenGLWidget::resizeEvent(event);
-    replaceMissingSurface();
-}
-
-void MyGL::showEvent(QShowEvent *event)
-{
-    QOpenGLWidget::showEvent(event);
-    replaceMissingSurface();
-}
-
-void MyGL::replaceMissingSurface()
-{
-    if (rasterView != nullptr) {
-        rasterView->resize(size());
-    } else if (isVisible() && !isValid()) {
-        rasterView = new RasterView(this);
+    qDebug() << "no OpenGL, preview by raster";
+    QWidget *parent = parentWidget();
+    rasterSurface = new RasterSurface(this, parent);
+    if (parent->layout() != nullptr) {
+        delete parent->layout()->replaceWidget(this, rasterSurface);
     }
+    rasterSurface->show();
 }

@@ -1,14 +1,15 @@
 // The preview: the simulated prop as a widget that runs freely on a clock of its own.
 //
 // It is an OpenGL widget only for its fast surface; everything is drawn through QPainter. Where the system gives no
-// OpenGL context (remote desktops, the offscreen platform) a plain child widget shows the same picture at a slower
-// pace.
+// OpenGL context (remote desktops, the offscreen platform) a plain widget takes its place in the layout and shows the
+// same frames: a window with a visible OpenGL widget would not be painted at all there.
 #pragma once
 
 #include "preview/propsimulator.h"
 
 #include <QOpenGLFunctions>
 #include <QOpenGLWidget>
+#include <QPointer>
 #include <QTimer>
 
 class MyGL : public QOpenGLWidget, protected QOpenGLFunctions, public glow::PropSimulator
@@ -22,8 +23,8 @@ public:
     // null one counts as black. fps is not used.
     void setPattern(const QPixmap &pixmap, short leds, int fps, double seconds, int repeats);
 
-    // True while the plain child widget paints in place of OpenGL.
-    bool paintsByRaster() const { return rasterView != nullptr; }
+    // The widget that shows the frames: this one, or the plain one in its place where there is no OpenGL.
+    QWidget *surface();
 
     QTimer repaintTimer; // 1 ms: repaints as fast as the system allows
     QTimer fpsTimer;     // 500 ms: renews the frame rate text
@@ -34,11 +35,9 @@ public slots:
 protected:
     void initializeGL() override;
     void paintGL() override;
-    void resizeEvent(QResizeEvent *event) override;
-    void showEvent(QShowEvent *event) override;
 
 private:
-    void replaceMissingSurface();
+    void useRasterSurface();
 
-    QWidget *rasterView = nullptr;
+    QPointer<QWidget> rasterSurface;
 };

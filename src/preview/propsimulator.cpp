@@ -2,7 +2,6 @@
 
 #include "timeline/timescale.h"
 
-#include <QConicalGradient>
 #include <QPainter>
 #include <QPen>
 
@@ -26,7 +25,6 @@ constexpr int wedge = 10; // wider than the largest step of 9, so the wedges lea
 constexpr int longestStall = 100;
 
 const QColor black(0, 0, 0, 255);
-const QColor transparent(0, 0, 0, 0);
 
 QImage blackImage()
 {
@@ -111,9 +109,8 @@ QRgb PropSimulator::pixelAt(qint64 column, int row) const
     if (!patternImage.isNull()) {
         return reinterpret_cast<const QRgb *>(patternImage.constScanLine(row))[column];
     }
-    // The source pixel under the centre of the scaled one.
-    const qint64 x = (2 * column + 1) * widePicture.width() / (2 * qint64(columnCount));
-    const qint64 y = (2 * qint64(row) + 1) * widePicture.height() / (2 * qint64(wideRows));
+    const qint64 x = nearestPixel(column, widePicture.width(), columnCount);
+    const qint64 y = nearestPixel(row, widePicture.height(), wideRows);
     return reinterpret_cast<const QRgb *>(widePicture.constScanLine(static_cast<int>(y)))[x];
 }
 
@@ -199,7 +196,7 @@ void PropSimulator::runSteps(int elapsedMs)
     const int steps = previewSteps(elapsedMs);
     if (spinSpeed != 0) {
         QPainter painter(&discImage);
-        painter.setPen(transparent);
+        painter.setPen(Qt::NoPen);
         for (int n = 0; n < steps; ++n) {
             drawWedge(painter, discGradient(columnAt(stepCount + n)), wedgeAngle(spinSpeed, stepCount + n));
         }
@@ -223,7 +220,7 @@ void PropSimulator::setSpinSpeed(int speed)
     spinSpeed = speed;
     if (speed == 0) {
         QPainter painter(&discImage);
-        painter.setPen(transparent);
+        painter.setPen(Qt::NoPen);
         const int width = columns();
         for (int i = 0; i < fullTurn / wedge; ++i) {
             drawWedge(painter, discGradient(width == 0 ? 0 : i % width), -wedge * i);
@@ -241,20 +238,32 @@ void PropSimulator::resetImages()
     stepClock = QTime::currentTime();
 }
 
-void PropSimulator::drawAfterglow(QPainter &painter, int w, int h, const QSize &disc) const
+void PropSimulator::composeFrame(QPainter &painter, int w, int h)
 {
-    // Follows the newest wedge. Whole turns are taken off, or the angle would lose its precision over the hours.
-    const qint64 angle = 1 - ((stepCount * 10 - 10) * spinSpeed) / 160;
-    QConicalGradient gradient(w / 2 - h * 0.45, h / 2, static_cast<qreal>(angle % 360));
-    const QColor glowing(0, 0, 0, 250);
-    const double reach = std::clamp(spinSpeed, -10, 10) / 10.0;
-    gradient.setColorAt(0.0, spinSpeed > 0 ? glowing : transparent);
-    gradient.setColorAt(1.0, spinSpeed > 0 ? transparent : glowing);
-    gradient.setColorAt(spinSpeed > 0 ? reach : reach + 1.0, transparent);
-    painter.setCompositionMode(QPainter::CompositionMode_DestinationAtop);
-    painter.setPen(transparent);
-    painter.setBrush(gradient);
-    painter.drawRect(static_cast<int>(w / 2 - h * 0.9), static_cast<int>(h * 0.1 * 0.5), disc.width(), disc.height());
+    const int height = static_cast<int>(h * 0.9);
+    if (height > 0) {
+        QImage disc = discImage.scaledToHeight(height, Qt::FastTransformation);
+        const QImage strip = stripImage.scaledToHeight(height, Qt::FastTransformation);
+        const int left = (w - 2 * disc.width()) / 2;
+        const int top = (h - disc.height()) / 2;
+        if (spinSpeed != 0) {
+            // Follows the newest wedge.
+            const qint64 degrees = 1 - ((stepCount * 10 - 10) * spinSpeed) / 160;
+            afterglow.apply(disc, QPointF(w / 2 - h * 0.45 - left, h / 2 - top), degrees, spinSpeed);
+        }
+        painter.drawImage(left, top, disc);
+        if (spinSpeed != 0) {
+            painter.setCompositionMode(QPainter::CompositionMode_DestinationAtop);
+        }
+        painter.drawImage(w / 2, top, strip);
+    }
+    QFont font = painter.font();
+    font.setPixelSize(12);
+    painter.setFont(font);
+    painter.setPen(QColor(255, 255, 255, 255));
+    // Paints within the same millisecond bring the mean down to 0.
+    const int framesPerSecond = 1000 / std::max(frameTimeShown, 1);
+    painter.drawText(QRect(0, 0, 100, 50), 0, QStringLiteral("FPS: ") + QString::number(framesPerSecond));
 }
 
 void PropSimulator::paintFrame(QPainter &painter, int w, int h)
@@ -266,43 +275,26 @@ void PropSimulator::paintFrame(QPainter &painter, int w, int h)
     }
     stepClock = now;
     runSteps(elapsed);
-
-    const int height = static_cast<int>(h * 0.9);
-    if (height > 0) {
-        const QImage disc = discImage.scaledToHeight(height, Qt::FastTransformation);
-        const QImage strip = stripImage.scaledToHeight(height, Qt::FastTransformation);
-        painter.drawImage((w - 2 * disc.width()) / 2, (h - disc.height()) / 2, disc);
-        if (spinSpeed != 0) {
-            drawAfterglow(painter, w, h, disc.size());
+    if (w > 0 && h > 0) {
+        // The afterglow's composition mode asks for a transparent surface, and what a widget's surface holds before a
+        // paint differs between systems; so the frame is composed beside it.
+        const qreal ratio = painter.device()->devicePixelRatioF();
+        const QSize size = QSize(w, h) * ratio;
+        if (frameImage.size() != size) {
+            frameImage = QImage(size, QImage::Format_ARGB32_Premultiplied);
         }
-        painter.drawImage(w / 2, (h - disc.height()) / 2, strip);
+        frameImage.reinterpretAsFormat(QImage::Format_ARGB32_Premultiplied);
+        frameImage.setDevicePixelRatio(ratio);
+        frameImage.fill(Qt::transparent);
+        {
+            QPainter composer(&frameImage);
+            composer.setFont(painter.font());
+            composeFrame(composer, w, h);
+        }
+        frameImage = onBlack(std::move(frameImage));
+        painter.drawImage(0, 0, frameImage);
     }
-
     frameTimeAverage = (frameTimeAverage + elapsed) / 2;
-    QFont font = painter.font();
-    font.setPixelSize(12);
-    painter.setFont(font);
-    painter.setPen(QColor(255, 255, 255, 255));
-    // Paints within the same millisecond bring the mean down to 0.
-    const int framesPerSecond = 1000 / std::max(frameTimeShown, 1);
-    painter.drawText(QRect(0, 0, 100, 50), 0, QStringLiteral("FPS: ") + QString::number(framesPerSecond));
-}
-
-void PropSimulator::paintOpaqueFrame(QPainter &painter, int w, int h)
-{
-    painter.fillRect(0, 0, w, h, black);
-    if (w <= 0 || h <= 0) {
-        return;
-    }
-    const qreal ratio = painter.device()->devicePixelRatioF();
-    QImage frame(QSize(w, h) * ratio, QImage::Format_ARGB32_Premultiplied);
-    frame.setDevicePixelRatio(ratio);
-    frame.fill(Qt::transparent);
-    {
-        QPainter composer(&frame);
-        paintFrame(composer, w, h);
-    }
-    painter.drawImage(0, 0, frame);
 }
 
 } // namespace glow

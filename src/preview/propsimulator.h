@@ -5,6 +5,9 @@
 // shows one column of the pattern and turns the bar by spinSpeed sixteenths of a degree.
 #pragma once
 
+#include "preview/afterglow.h"
+#include "preview/rasterops.h"
+
 #include <QImage>
 #include <QRadialGradient>
 #include <QTime>
@@ -26,10 +29,10 @@ class PropSimulator
 public:
     PropSimulator();
 
-    // From this width on, of the pattern or of the picture it comes from, no scaled image is made: Qt's painter draws
-    // nothing beyond the 32767th pixel. Such a pattern (more than half a minute in one repetition) is looked up in its
-    // picture column by column instead, so that a pattern of 24 hours takes no memory of its own.
-    static constexpr int widestImage = 32767;
+    // The widest pattern, and the largest picture it comes from, for which a scaled image is made. A wider one (more
+    // than half a minute in one repetition) is looked up in its picture column by column instead, so that a pattern of
+    // 24 hours takes no memory of its own.
+    static constexpr int widestImage = painterLimit;
 
     // Takes a picture as the pattern to show: brought to previewColumns(seconds, repeats) columns and leds rows without
     // smoothing, shown from its column 0. A null picture counts as black. Transparency is ignored, as the prop does.
@@ -44,13 +47,10 @@ public:
     // Runs the steps that belong to the elapsed time (cut to 100 ms).
     void runSteps(int elapsedMs);
 
-    // One frame of the preview, w by h pixels: runs the steps since the last frame and draws disc, afterglow, strip and
-    // frame rate. The painter's surface must have an alpha channel and be transparent; what stays transparent is meant
-    // to be black.
+    // One frame of the preview, w by h pixels from the painter's origin: runs the steps since the last frame, then
+    // draws disc, afterglow, strip and frame rate on black. Any surface will do, with or without an alpha channel and
+    // whatever it holds.
     void paintFrame(QPainter &painter, int w, int h);
-
-    // The same for any surface: the frame is composed beside it and laid over black.
-    void paintOpaqueFrame(QPainter &painter, int w, int h);
 
     // Colour of a pixel of the pattern, 0 <= column < columns(), 0 <= row < rows(); always opaque.
     QRgb pixelAt(qint64 column, int row) const;
@@ -75,10 +75,12 @@ private:
     QRadialGradient discGradient(qint64 column) const;
     void drawStripBody(QPainter &painter) const;
     void drawStripColumn(QPainter &painter, qint64 column) const;
-    void drawAfterglow(QPainter &painter, int w, int h, const QSize &disc) const;
+    void composeFrame(QPainter &painter, int w, int h);
 
     QImage widePicture; // the picture itself while patternImage is null because the pattern is too wide
     int wideRows = 0;
+    Afterglow afterglow;
+    QImage frameImage; // the frame being composed, kept for its memory
 };
 
 } // namespace glow
