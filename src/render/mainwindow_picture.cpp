@@ -1,0 +1,111 @@
+// The picture tab: files and screen captures become the picture of a pattern.
+#include "app/mainwindow.h"
+
+#include "app/appsettings.h"
+#include "app/propvalues.h"
+#include "render/patternview.h"
+#include "render/picturechain.h"
+#include "render/screencapture.h"
+#include "ui_mainwindow.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QStatusBar>
+
+void MainWindow::picload(QString path)
+{
+    if (!QFile::exists(path)) {
+        return;
+    }
+    ui->PicDir->setEnabled(true);
+    // The store stays one picture behind.
+    AppSettings().setValue(QStringLiteral("main/currentpicpath"), picPath);
+    picPath = path;
+    ui->PicView->setEnabled(true);
+    if (ui->NEW_radio->isChecked()) {
+        ui->Add_Button->setEnabled(true);
+    }
+    ui->PicDir->setText(path);
+
+    glow::PictureOptions options;
+    options.flipH = ui->Pic_revH->isChecked();
+    options.flipV = ui->Pic_revV->isChecked();
+    options.gap = ui->Pic_Slide->value();
+    options.leds = ledCount;
+    const glow::PictureResult result = glow::loadPicture(path, options);
+    if (result.tooBig) {
+        statusBar()->showMessage(tr("圖片尺寸過大，無法使用：") + QFileInfo(path).fileName());
+    }
+    patternWidth = result.columns;
+    pictureWidth = result.columns;
+    showPicturePixmap(QPixmap::fromImage(result.image));
+}
+
+void MainWindow::showPicturePixmap(const QPixmap &pixmap)
+{
+    picturePixmap = pixmap;
+    ui->Mode_loop->blockSignals(true);
+    ui->suggest->setValue(suggestRepeat());
+    ui->Mode_loop->blockSignals(false);
+    previewInEditor(picturePixmap);
+    glow::showPattern(*ui->PicView, picturePixmap);
+}
+
+void MainWindow::on_Pic_Loads_clicked()
+{
+    if (picPath.isEmpty()) {
+        picPath = QDir::homePath() + QStringLiteral("/Pictures");
+    }
+    const QStringList files = QFileDialog::getOpenFileNames(
+        this, tr("讀圖(可複選)"), picPath, QStringLiteral("Support files(*.jpg *.bmp *.png *.gif);;All files(*.*)"));
+    if (files.size() == 1) {
+        picload(files.first());
+        return;
+    }
+    int number = 0;
+    for (const QString &file : files) {
+        picload(file);
+        on_Add_Button_clicked();
+        ++number;
+        statusBar()->showMessage(tr("圖片讀取") + QString::number(number) + QLatin1Char('/') +
+                                 QString::number(files.size()));
+        repaint();
+    }
+    if (number > 0) {
+        statusBar()->showMessage(tr("圖片讀取完成!!"));
+        ui->Add_Button->setEnabled(true);
+    }
+}
+
+void MainWindow::on_Pic_Capture_clicked()
+{
+    // The window has to be gone before the dialog grabs the screen.
+    const QRect before = geometry();
+    setGeometry(-width(), 0, 0, 0);
+    {
+        ScreenCapture capture(this);
+        connect(&capture, &ScreenCapture::callback, this, &MainWindow::picload);
+        capture.exec();
+    }
+    setGeometry(before);
+}
+
+void MainWindow::on_Pic_Slide_valueChanged(int value)
+{
+    patternWidth = glow::columnsWithGap(pictureWidth, value);
+    showPicturePixmap(QPixmap::fromImage(glow::withGap(picturePixmap.toImage(), patternWidth, ledCount)));
+}
+
+void MainWindow::on_Pic_revH_clicked(bool checked)
+{
+    Q_UNUSED(checked)
+    picload(ui->PicDir->text());
+}
+
+void MainWindow::on_Pic_revV_clicked(bool checked)
+{
+    Q_UNUSED(checked)
+    picload(ui->PicDir->text());
+}
