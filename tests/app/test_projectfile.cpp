@@ -70,9 +70,16 @@ Project readByStream(const QByteArray &bytes)
     return project;
 }
 
+quint32 bitsOf(float value)
+{
+    quint32 bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    return bits;
+}
+
 bool sameRate(float a, float b)
 {
-    return std::memcmp(&a, &b, sizeof a) == 0 || (std::isnan(a) && std::isnan(b));
+    return bitsOf(a) == bitsOf(b) || (std::isnan(a) && std::isnan(b));
 }
 
 bool same(const Project &a, const Project &b)
