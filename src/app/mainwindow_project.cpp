@@ -154,7 +154,7 @@ void MainWindow::LoadFile(QString path)
 
     QByteArray bytes;
     const bool opened = glow::readWholeFile(currentFile, bytes);
-    // Saving must not ask for no name and then replace a file that could not even be read.
+    // A file that could not even be read is not to be saved over without asking for a name.
     hasFile = opened;
     if (opened) {
         if (glow::isProjectPath(currentFile)) {
