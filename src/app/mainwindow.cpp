@@ -83,6 +83,7 @@ MainWindow::MainWindow(QWidget *parent)
 
     connect(ui->Add_Button, &MyButton::hovered, this, &MainWindow::on_Addbutton_hovered);
     chartView = new ChartView(ui->audio_frame);
+    ui->audio_frame->installEventFilter(this);
     chartView->hide();
     chipGroup->addAction(ui->actionCX2802);
     chipGroup->addAction(ui->actionAPA102C);

@@ -295,6 +295,7 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override; // in timeline/mainwindow_ruler.cpp
 
 private:
     bool isStaleDecode(const QObject *caller) const;

@@ -20,6 +20,8 @@
 #include <QMessageBox>
 #include <QProgressDialog>
 
+#include <utility>
+
 namespace {
 
 // Qt calls a widget hidden as well that nobody has shown yet, such as a track that was only just added.
@@ -146,15 +148,16 @@ void MainWindow::LoadFile(QString path)
     resetDocument();
     closeSong();
     picPath = path;
-    currentFile = path;
-    const QString title = path.contains(u'/') ? path : path.section(u'\\', -1);
+    currentFile = std::move(path);
+    const QString title = currentFile.contains(u'/') ? currentFile : currentFile.section(u'\\', -1);
     setUpTitle(title);
 
     QByteArray bytes;
-    const bool opened = glow::readWholeFile(path, bytes);
+    const bool opened = glow::readWholeFile(currentFile, bytes);
+    // A file that could not even be read is not to be saved over without asking for a name.
+    hasFile = opened;
     if (opened) {
-        hasFile = true;
-        if (glow::isProjectPath(path)) {
+        if (glow::isProjectPath(currentFile)) {
             openProject(bytes);
         } else {
             qDebug() << "OPEN OLD FILE";

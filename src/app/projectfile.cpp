@@ -63,7 +63,7 @@ private:
             left = 0;
             return {};
         }
-        const QByteArray taken(rest, int(wanted));
+        QByteArray taken(rest, int(wanted));
         rest += wanted;
         left -= int(wanted);
         return taken;

@@ -72,6 +72,15 @@ void MainWindow::on_timeline_splitter_splitterMoved(int pos, int index)
     chartView->resizeToWave();
 }
 
+// The handle is not the only one to resize the waveform: a low window squeezes it, and then no splitterMoved tells.
+bool MainWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == ui->audio_frame && event->type() == QEvent::Resize) {
+        on_timeline_splitter_splitterMoved(ui->timeline_splitter->sizes().constFirst(), 1);
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
+
 void MainWindow::timeline_vertical_scroll_changed(int min, int max)
 {
     const int page = ui->timeline_scroll_2->verticalScrollBar()->pageStep();
