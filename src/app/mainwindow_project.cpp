@@ -154,9 +154,8 @@ void MainWindow::LoadFile(QString path)
 
     QByteArray bytes;
     const bool opened = glow::readWholeFile(currentFile, bytes);
-    // A file that could not even be read is not to be saved over without asking for a name.
-    hasFile = opened;
     if (opened) {
+        hasFile = true;
         if (glow::isProjectPath(currentFile)) {
             openProject(bytes);
         } else {
