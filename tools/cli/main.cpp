@@ -4,6 +4,7 @@
 #include "resources/resources.h"
 
 #include <QGuiApplication>
+#include <QLoggingCategory>
 
 namespace {
 
@@ -47,6 +48,8 @@ int main(int argc, char *argv[])
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
+    // What the program notes for its developers is of no use here.
+    QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
     const QGuiApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("glowsmith-cli"));
     QCoreApplication::setApplicationVersion(QStringLiteral("3.104"));
