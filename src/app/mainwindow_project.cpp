@@ -36,20 +36,21 @@ void placePattern(MainWindow &window, const QByteArray &blob)
     window.currentTimeline->addTimelineItem(item);
 }
 
+// No show has so many tracks; a window with thousands of rows could no longer be used.
+constexpr int mostTracks = 500;
+
 // Tracks are made as the "+" button makes them, beside the current one: the first of the file stays first, all others
 // end up behind it in the reverse of their file order.
 void placeTracks(MainWindow &window, const glow::Project &project)
 {
-    bool first = true;
-    for (const QVector<QByteArray> &track : project.tracks) {
-        if (!first) {
+    for (int i = 0; i < qMin(project.tracks.size(), mostTracks); ++i) {
+        if (i > 0) {
             window.on_timeline_add_clicked();
         }
-        first = false;
         // A blob too short for a pattern stands as a pattern without picture and length. A damaged file can hold one in
         // every four bytes, all in one place, where the next sort keeps a single one; that one is enough.
         bool placedEmpty = false;
-        for (const QByteArray &blob : track) {
+        for (const QByteArray &blob : project.tracks.at(i)) {
             const bool empty = blob.size() < glow::shortestPattern;
             if (!empty || !placedEmpty) {
                 placePattern(window, blob);
@@ -215,6 +216,11 @@ void MainWindow::openProject(const QByteArray &bytes)
     }
     applyLoadedGadget(project.ledCount, project.frameRate, true);
     placeTracks(*this, project);
+    if (project.tracks.size() > mostTracks) {
+        // What is not shown must not be lost by a save into the same file.
+        hasFile = false;
+        QMessageBox::warning(this, tr("讀檔"), tr("檔案的軌道過多，只讀入前 %1 軌").arg(mostTracks), QMessageBox::Ok);
+    }
 }
 
 void MainWindow::openOldProject(const QByteArray &bytes)

@@ -10,6 +10,7 @@
 #include "ui_mainwindow.h"
 
 #include <QDir>
+#include <QFileDialog>
 #include <QImage>
 #include <QtTest>
 
@@ -177,9 +178,15 @@ void TestRelink::cancelledFolderEndsTheSearch()
     window->updateStatus();
     const int snapshots = window->history.snapshots.size();
     DialogDriver driver;
-    driver.answerFile({});
+    bool showsFiles = false;
+    driver.answerWith([&showsFiles](QDialog *dialog) {
+        const auto *question = qobject_cast<QFileDialog *>(dialog);
+        showsFiles = question != nullptr && !question->testOption(QFileDialog::ShowDirsOnly);
+        dialog->reject();
+    });
     window->on_actionDIR_triggered();
     QVERIFY(driver.done());
+    QVERIFY(showsFiles);
     QVERIFY(driver.boxes().isEmpty());
     QCOMPARE(pathOf(item), lost(QStringLiteral("a.png")));
     QCOMPARE(window->history.snapshots.size(), snapshots);
