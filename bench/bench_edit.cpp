@@ -14,6 +14,8 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QImage>
+#include <QScrollBar>
 
 namespace {
 
@@ -111,15 +113,19 @@ void bench::edit(QVector<Row> &rows)
     window.ui->timeline_scaler->setValue(160);
     settle();
     Indicator *indicator = window.ui->timeline_headers->indicator;
+    // Everything visible of ruler, tracks and play-head is painted onto a surface in memory, which is more than a move
+    // exposes. The window's own composition, done by the graphics card, is not counted.
+    QWidget *area = window.ui->timeline_layout_out;
+    const QRect visible(window.ui->timeline_scroll->horizontalScrollBar()->value(), 0,
+                        window.ui->timeline_scroll->viewport()->width(), area->height());
+    QImage surface(visible.size(), QImage::Format_ARGB32_Premultiplied);
     int x = 2000;
-    const double moving = median(200, [&window, indicator, &x] {
+    const double moving = median(200, [indicator, area, &visible, &surface, &x] {
         indicator->setIndicatorX(++x, false);
-        // What the move has exposed is painted at once, as the next frame would.
-        QCoreApplication::sendPostedEvents(window.ui->timeline_headers, QEvent::UpdateRequest);
-        QCoreApplication::sendPostedEvents(&window, QEvent::UpdateRequest);
+        area->render(&surface, QPoint(), QRegion(visible), QWidget::DrawChildren);
     });
-    rows.append(
-        {QStringLiteral("Moving the play-head by a pixel at the closest zoom, repainted"), moving, 0, 2, QString()});
+    rows.append({QStringLiteral("Moving the play-head by a pixel at the closest zoom, ruler and tracks repainted"),
+                 moving, 0, 2, QString()});
 
     int zoom = 80;
     const double zooming = median(20, [&window, &zoom] {

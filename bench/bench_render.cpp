@@ -8,6 +8,8 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
+#include <QImage>
+#include <QPainter>
 
 #include <algorithm>
 
@@ -39,14 +41,17 @@ void bench::render(QVector<Row> &rows)
         QCoreApplication::processEvents();
     }
     MyGL *preview = window.ui->GLWidget;
-    // One frame at 60 frames a second: the steps of 16.7 ms and everything painted.
-    const double frame = median(60, [preview] {
+    // One frame at 60 frames a second: the steps of the time since the last one and everything painted, onto a surface
+    // in memory. What a graphics card does with it afterwards is not the program's.
+    QImage surface(preview->size(), QImage::Format_ARGB32_Premultiplied);
+    QPainter painter(&surface);
+    const double waiting = 17.0;
+    const double frame = median(60, [preview, &painter, waiting] {
         QElapsedTimer wait;
         wait.start();
-        while (wait.elapsed() < 17) {
+        while (double(wait.nsecsElapsed()) < waiting * 1e6) {
         }
-        preview->repaint();
+        preview->paintFrame(painter, preview->width(), preview->height());
     });
-    rows.append({QStringLiteral("Preview of 120 LEDs, one frame of 16.7 ms (waiting included: 17 ms)"), frame - 17.0, 0,
-                 5, QString()});
+    rows.append({QStringLiteral("Preview of 120 LEDs, one frame of 16.7 ms"), frame - waiting, 0, 5, QString()});
 }
