@@ -109,7 +109,7 @@ void TestResources::englishHasTheRightContexts_data()
     row("same text, terminal", "setup", "偵測不到裝置！", "");
     row("trailing blank", "about", "有更新 ", "New version ");
     row("markup", "about", "是否更新？<br>", "Update? <br>");
-    row("line feed", "TimelineItem", "\n開始時間: ", "\nstart time: ");
+    row("trailing blank too", "TimelineItem", "開始時間: ", "start time: ");
     row("wording kept as it is", "MainWindow", "<font color='white'>未儲存部分將會流失，確定讀取舊檔?</font>",
         "<font color='white'>Search loss picture?</font>");
     row("left in Chinese", "MainWindow", "靜態1", "");

@@ -327,16 +327,12 @@
         <translation>Paste</translation>
     </message>
     <message>
-        <source>
-開始時間: </source>
-        <translation>
-start time: </translation>
+        <source>開始時間: </source>
+        <translation>start time: </translation>
     </message>
     <message>
-        <source>
-結束時間: </source>
-        <translation>
-end time: </translation>
+        <source>結束時間: </source>
+        <translation>end time: </translation>
     </message>
 </context>
 <context>
@@ -358,16 +354,12 @@ end time: </translation>
         <translation>cut</translation>
     </message>
     <message>
-        <source>
-開始時間: </source>
-        <translation>
-start time: </translation>
+        <source>開始時間: </source>
+        <translation>start time: </translation>
     </message>
     <message>
-        <source>
-結束時間: </source>
-        <translation>
-end time: </translation>
+        <source>結束時間: </source>
+        <translation>end time: </translation>
     </message>
 </context>
 <context>
