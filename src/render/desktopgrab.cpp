@@ -1,14 +1,22 @@
 #include "render/desktopgrab.h"
 
+#include <QEventLoop>
 #include <QGuiApplication>
 #include <QPainter>
 #include <QPixmap>
 #include <QScreen>
+#include <QTimer>
 #include <QVector>
 
 #include <algorithm>
 
 namespace glow {
+
+namespace {
+
+constexpr int settleMs = 300; // longer than the usual fading of a window
+
+} // namespace
 
 QRect desktopGeometry()
 {
@@ -52,6 +60,13 @@ QImage grabDesktop()
     painter.end();
     desktop.setDevicePixelRatio(ratio);
     return desktop;
+}
+
+void letDesktopSettle()
+{
+    QEventLoop loop;
+    QTimer::singleShot(settleMs, &loop, &QEventLoop::quit);
+    loop.exec(QEventLoop::ExcludeUserInputEvents);
 }
 
 QRect devicePixels(const QRect &logical, qreal ratio)

@@ -3,6 +3,7 @@
 
 #include "app/appsettings.h"
 #include "app/propvalues.h"
+#include "render/desktopgrab.h"
 #include "render/patternview.h"
 #include "render/picturechain.h"
 #include "render/screencapture.h"
@@ -12,6 +13,7 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QStatusBar>
 
 void MainWindow::picload(QString path)
@@ -79,17 +81,29 @@ void MainWindow::on_Pic_Loads_clicked()
     }
 }
 
+// The window has to be gone before the tool grabs the screen. A window manager keeps a corner of a moved window in
+// sight and does not move a maximised one at all, so it is hidden as well; hidden it must not count as closed.
 void MainWindow::on_Pic_Capture_clicked()
 {
-    // The window has to be gone before the dialog grabs the screen.
     const QRect before = geometry();
-    setGeometry(-width(), 0, 0, 0);
+    const bool moves = (windowState() & (Qt::WindowMaximized | Qt::WindowFullScreen)) == 0;
+    const bool quits = QGuiApplication::quitOnLastWindowClosed();
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    if (moves) {
+        setGeometry(-width(), 0, 0, 0);
+    }
+    hide();
+    glow::letDesktopSettle();
     {
         ScreenCapture capture(this);
         connect(&capture, &ScreenCapture::callback, this, &MainWindow::picload);
         capture.exec();
     }
-    setGeometry(before);
+    show();
+    if (moves) {
+        setGeometry(before);
+    }
+    QGuiApplication::setQuitOnLastWindowClosed(quits);
 }
 
 void MainWindow::on_Pic_Slide_valueChanged(int value)

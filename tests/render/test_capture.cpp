@@ -1,8 +1,11 @@
 // The screen capture tool, used with the mouse as a user would. Runs a second time at a scale factor of 2.
+#include "app/mainwindow.h"
+#include "app/propvalues.h"
 #include "render/desktopgrab.h"
 #include "render/screencapture.h"
 #include "support/dialogdriver.h"
 #include "support/testenv.h"
+#include "ui_mainwindow.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -70,6 +73,7 @@ private slots:
     void mereClick();
     void tools();
     void hidingTheDockEnds();
+    void fromTheWindow();
 
 private:
     // Runs the tool as the window does, with the gestures inside; ends it when they did not.
@@ -398,6 +402,47 @@ void TestCapture::hidingTheDockEnds()
     capture.exec();
     QVERIFY(closed);
     QCOMPARE(spy.count(), 0);
+}
+
+// The whole way: the button, a rectangle with the mouse, the file, and the picture in the editor. The window itself,
+// which stood on what was captured, is not in it.
+void TestCapture::fromTheWindow()
+{
+    const QString path = env.path(QStringLiteral("taken.png"));
+    const QRect chosen(220, 200, 300, 150);
+    DialogDriver driver;
+    const QSize screen = QGuiApplication::primaryScreen()->size();
+    if (screen.width() < 1280 || screen.height() < 720) {
+        driver.answerBox(QMessageBox::Ok); // the window says so when it is built
+    }
+    MainWindow window;
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    window.raise();
+    const QRect before = window.geometry();
+    QTRY_VERIFY(pieceOf(glow::grabDesktop()) != backdrop->picture);
+
+    driver.answerWith([&](QDialog *dialog) {
+        auto *capture = qobject_cast<ScreenCapture *>(dialog);
+        QVERIFY(capture != nullptr);
+        driver.overlook(capture);
+        driver.answerFile({path});
+        QTimer::singleShot(0, capture, [capture, chosen] {
+            drag(*capture, chosen.topLeft(), chosen.bottomRight());
+            capture->close();
+        });
+    });
+    window.ui->Pic_Capture->click();
+    QVERIFY2(driver.done(), qPrintable(driver.unexpected.join(QLatin1Char(';'))));
+    QImage saved = QImage(path).convertToFormat(QImage::Format_RGB32);
+    saved.setDevicePixelRatio(ratio);
+    QCOMPARE(saved, backdrop->picture.copy(QRect(device(chosen.topLeft() - backdrop->pos()), chosen.size() * ratio)));
+    QCOMPARE(window.ui->PicDir->text(), path);
+    QCOMPARE(window.picturePixmap.size(), QSize(400, 200));
+    QCOMPARE(window.patternWidth, 2 * ledCount);
+    QVERIFY(window.isVisible());
+    QCOMPARE(window.geometry(), before);
+    QVERIFY(QGuiApplication::quitOnLastWindowClosed());
 }
 
 QTEST_MAIN(TestCapture)
