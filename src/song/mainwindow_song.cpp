@@ -64,8 +64,7 @@ QChart *chartOf(QLineSeries *series, double limit)
     chart->setMargins(QMargins(0, 0, 0, 0));
     chart->layout()->setContentsMargins(0, 0, 0, 0);
     chart->legend()->hide();
-    chart->setBackgroundBrush(
-        Qt::white); // as the theme's gradient, which runs from white to white, but quicker to fill
+    chart->setBackgroundBrush(QColor(30, 35, 40)); // in tone with the window, so that the play-head stands out
     chart->addSeries(series);
     auto *axis = new QValueAxis;
     axis->setRange(-limit, limit);
