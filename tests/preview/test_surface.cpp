@@ -1,5 +1,9 @@
 // The preview as a widget on a system without OpenGL: the window is painted all the same, the prop spins in it.
+#include "app/mainwindow.h"
 #include "preview/mygl.h"
+#include "support/testenv.h"
+#include "support/windowcheck.h"
+#include "ui_mainwindow.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -15,6 +19,7 @@ class TestSurface : public QObject
 private slots:
     void spinsWithoutOpenGL();
     void aPreviewWithoutParentIsHarmless();
+    void theWholeWindowStands();
 };
 
 void TestSurface::spinsWithoutOpenGL()
@@ -71,6 +76,37 @@ void TestSurface::aPreviewWithoutParentIsHarmless()
     preview.update_fps();
     QCOMPARE(preview.frameTimeShown, 12);
     QCoreApplication::processEvents();
+}
+
+void TestSurface::theWholeWindowStands()
+{
+    const TestEnv env;
+    MainWindow window;
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    MyGL *preview = window.ui->GLWidget;
+    QTRY_VERIFY(preview->surface() != preview && preview->surface()->isVisible());
+    QVERIFY(preview->surface()->height() >= 200);
+    QCOMPARE(preview->surface()->parentWidget(), window.ui->frame_6->parentWidget());
+    window.ui->Mode_Pic->setCurrentIndex(1);
+    window.Oviewer_change(0, 255, 0);
+    const QWidget *surface = preview->surface();
+    const auto seen = [&](const QPoint &place) {
+        const QImage shot = QGuiApplication::platformName() == QLatin1String("offscreen")
+                                ? window.grab().toImage()
+                                : window.screen()->grabWindow(window.winId()).toImage();
+        return QColor(shot.pixel(place));
+    };
+    const QPoint lit(surface->width() / 2 + static_cast<int>(surface->height() * 0.45), surface->height() / 3);
+    QTRY_COMPARE(seen(surface->mapTo(&window, lit)), QColor(Qt::green));
+    // The rest of the window is there too: its controls look on the screen as they paint themselves.
+    const QPoint corner = window.ui->Add_Button->mapTo(&window, QPoint(3, 3));
+    QTRY_COMPARE(seen(corner), QColor(window.grab().toImage().pixel(corner)));
+    QVERIFY(seen(corner) != QColor(Qt::black));
+    window.ui->Oview_slide->setValue(0);
+    window.ui->Oview_slide->setValue(4);
+    QCOMPARE(preview->spinSpeed, 4);
+    QCOMPARE(whatIsWrong(window), QString());
 }
 
 int main(int argc, char **argv)

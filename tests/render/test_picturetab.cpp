@@ -1,0 +1,297 @@
+// The picture tab on the real window: single and several files, gap and flips, captures, files that cannot be shown.
+#include "app/mainwindow.h"
+#include "app/propvalues.h"
+#include "preview/mygl.h"
+#include "render/screencapture.h"
+#include "support/dialogdriver.h"
+#include "support/testenv.h"
+#include "support/windowcheck.h"
+#include "timeline/timeline.h"
+#include "timeline/timelineitem.h"
+#include "timeline/timescale.h"
+#include "ui_mainwindow.h"
+
+#include <QFile>
+#include <QGraphicsPixmapItem>
+#include <QGraphicsScene>
+#include <QSignalSpy>
+#include <QtTest>
+
+class TestPictureTab : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init();
+    void cleanup();
+    void oneFileIsLoadedAndNotAdded();
+    void storeStaysOnePictureBehind();
+    void severalFilesAreAddedAtOnce();
+    void cancelledChoiceLeavesAll();
+    void gapWidensThePattern();
+    void flipsReadTheFileAnew();
+    void repeatCountFollowsSilently();
+    void unusableFilesShowBlack();
+    void otherLedsOtherHeight();
+    void captureHidesTheWindow();
+
+private:
+    // A file of one colour in the left half and black in the right.
+    QString file(const QString &name, const QColor &color, const QSize &size = QSize(200, 100)) const;
+    QRgb previewed(int column, int row) const { return ui->GLWidget->pixelAt(column, row); }
+    QString message() const { return window->statusBar()->currentMessage(); }
+
+    QScopedPointer<TestEnv> env;
+    QScopedPointer<MainWindow> window;
+    Ui::MainWindow *ui = nullptr;
+};
+
+void TestPictureTab::init()
+{
+    env.reset(new TestEnv);
+    msPerPixel = 10.0F;
+    window.reset(new MainWindow);
+    ui = window->ui;
+    window->show();
+    QCOMPARE(int(ledCount), 70);
+}
+
+void TestPictureTab::cleanup()
+{
+    QCOMPARE(whatIsWrong(*window), QString());
+    window.reset();
+    env.reset();
+}
+
+QString TestPictureTab::file(const QString &name, const QColor &color, const QSize &size) const
+{
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(Qt::black);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < (size.width() + 1) / 2; ++x) {
+            image.setPixelColor(x, y, color);
+        }
+    }
+    const QString path = env->path(name);
+    image.save(path);
+    return path;
+}
+
+void TestPictureTab::oneFileIsLoadedAndNotAdded()
+{
+    const QString path = file(QStringLiteral("a.png"), Qt::red);
+    window->picPath.clear();
+    DialogDriver driver;
+    driver.answerFile({path});
+    QVERIFY(!ui->PicView->isEnabled() && !ui->Add_Button->isEnabled());
+    window->on_Pic_Loads_clicked();
+    QVERIFY(driver.done());
+    QCOMPARE(driver.files().first().title, QStringLiteral("讀圖(可複選)"));
+    QCOMPARE(driver.files().first().directory, QDir::homePath() + QStringLiteral("/Pictures"));
+    QCOMPARE(driver.files().first().filters,
+             QStringList({QStringLiteral("Support files(*.jpg *.bmp *.png *.gif)"), QStringLiteral("All files(*.*)")}));
+    QVERIFY(window->currentTimeline->items.isEmpty());
+    QCOMPARE(ui->PicDir->text(), path);
+    QCOMPARE(window->picPath, path);
+    QVERIFY(ui->PicView->isEnabled() && ui->PicDir->isEnabled() && ui->Add_Button->isEnabled());
+    QCOMPARE(window->patternWidth, 140);
+    QCOMPARE(window->pictureWidth, 140);
+    QCOMPARE(window->picturePixmap.size(), QSize(400, 200));
+    // 5 s at speed 10 and a rate above 1500: 5 * 10 * 1500 / (140 * 10), rounded.
+    QCOMPARE(ui->suggest->value(), 54);
+    QCOMPARE(ui->Mode_loop->value(), 54);
+    // 5000 ms in 54 repetitions: 92.6 columns, 93 and so 92.
+    QCOMPARE(ui->GLWidget->columnCount, 92);
+    QCOMPARE(previewed(20, 35), qRgb(255, 0, 0));
+    QCOMPARE(previewed(70, 35), qRgb(0, 0, 0));
+    const QList<QGraphicsItem *> items = ui->PicView->scene()->items();
+    QCOMPARE(items.size(), 1);
+    QCOMPARE(qgraphicsitem_cast<QGraphicsPixmapItem *>(items.first())->pixmap().toImage(),
+             window->picturePixmap.toImage());
+}
+
+void TestPictureTab::storeStaysOnePictureBehind()
+{
+    const QString key = QStringLiteral("main/currentpicpath");
+    const QString first = file(QStringLiteral("1.png"), Qt::red);
+    const QString second = file(QStringLiteral("2.png"), Qt::green);
+    const QString before = window->picPath;
+    window->picload(first);
+    QCOMPARE(env->value(key).toString(), before);
+    window->picload(second);
+    QCOMPARE(env->value(key).toString(), first);
+    QCOMPARE(window->picPath, second);
+    window->picload(env->path(QStringLiteral("none.png"))); // no such file: nothing at all
+    QCOMPARE(window->picPath, second);
+    QCOMPARE(ui->PicDir->text(), second);
+    QCOMPARE(env->value(key).toString(), first);
+}
+
+void TestPictureTab::severalFilesAreAddedAtOnce()
+{
+    const QStringList files{file(QStringLiteral("a.png"), Qt::red), file(QStringLiteral("b.png"), Qt::green),
+                            file(QStringLiteral("c.png"), Qt::blue)};
+    DialogDriver driver;
+    driver.answerFile(files);
+    QStringList messages;
+    connect(window->statusBar(), &QStatusBar::messageChanged, this,
+            [&messages](const QString &text) { messages << text; });
+    window->on_Pic_Loads_clicked();
+    QVERIFY(driver.done());
+    const QList<TimelineItem *> &items = window->currentTimeline->items;
+    QCOMPARE(items.size(), 3);
+    for (int i = 0; i < 3; ++i) {
+        QCOMPARE(items.at(i)->startTime, QTime(0, 0).addSecs(5 * i));
+        QCOMPARE(items.at(i)->patternKind, qint32(glow::PicturePattern));
+        QVERIFY(items.at(i)->settingsText.contains(files.at(i)));
+        QCOMPARE(items.at(i)->thumbnail.size(), QSize(170, 85));
+    }
+    QCOMPARE(ui->PicDir->text(), files.last());
+    QVERIFY(ui->Add_Button->isEnabled());
+    QVERIFY(messages.contains(QStringLiteral("圖片讀取1/3")) && messages.contains(QStringLiteral("圖片讀取3/3")));
+    QCOMPARE(messages.last(), QStringLiteral("圖片讀取完成!!"));
+}
+
+void TestPictureTab::cancelledChoiceLeavesAll()
+{
+    window->picload(file(QStringLiteral("a.png"), Qt::red));
+    const qint64 shown = window->picturePixmap.cacheKey();
+    const QString path = window->picPath;
+    DialogDriver driver;
+    driver.answerFile({});
+    window->on_Pic_Loads_clicked();
+    QVERIFY(driver.done());
+    QCOMPARE(window->picturePixmap.cacheKey(), shown);
+    QCOMPARE(window->picPath, path);
+}
+
+void TestPictureTab::gapWidensThePattern()
+{
+    // 2 x 1 in shape: 140 columns.
+    window->picload(file(QStringLiteral("a.png"), Qt::red));
+    const QImage whole = window->picturePixmap.toImage();
+    ui->Pic_Slide->setValue(50);
+    QCOMPARE(window->patternWidth, 210);
+    QCOMPARE(window->pictureWidth, 140);
+    QCOMPARE(ui->suggest->value(), 36); // 75000 / 2100 is 35.7
+    QCOMPARE(window->picturePixmap.size(), QSize(600, 200));
+    ui->Pic_Slide->setValue(100);
+    QCOMPARE(window->picturePixmap.size(), QSize(800, 200));
+    QCOMPARE(window->picturePixmap.toImage().copy(0, 0, 400, 200), whole);
+    QCOMPARE(window->picturePixmap.toImage().pixel(799, 100), qRgb(0, 0, 0));
+    QCOMPARE(ui->GLWidget->patternImage.pixel(ui->GLWidget->columnCount * 9 / 10, 3), qRgb(0, 0, 0));
+    // Read anew, the picture has its gap and the width is that of the picture alone.
+    window->picload(window->picPath);
+    QCOMPARE(window->picturePixmap.size(), QSize(800, 200));
+    QCOMPARE(window->patternWidth, 140);
+    ui->Pic_Slide->setValue(0);
+    QCOMPARE(window->picturePixmap.toImage(), whole);
+    QCOMPARE(window->patternWidth, 140);
+    // The view keeps one scene.
+    for (int value = 0; value <= 100; ++value) {
+        ui->Pic_Slide->setValue(value);
+    }
+    QCOMPARE(ui->PicView->findChildren<QGraphicsScene *>().size(), 1);
+}
+
+void TestPictureTab::flipsReadTheFileAnew()
+{
+    window->picload(file(QStringLiteral("a.png"), Qt::red));
+    QCOMPARE(window->picturePixmap.toImage().pixel(20, 100), qRgb(255, 0, 0));
+    QTest::mouseClick(ui->Pic_revH, Qt::LeftButton, Qt::NoModifier, QPoint(8, ui->Pic_revH->height() / 2));
+    QVERIFY(ui->Pic_revH->isChecked());
+    QCOMPARE(window->picturePixmap.toImage().pixel(20, 100), qRgb(0, 0, 0));
+    QCOMPARE(window->picturePixmap.toImage().pixel(380, 100), qRgb(255, 0, 0));
+    QTest::mouseClick(ui->Pic_revV, Qt::LeftButton, Qt::NoModifier, QPoint(8, ui->Pic_revV->height() / 2));
+    QVERIFY(ui->Pic_revV->isChecked());
+    QCOMPARE(window->picturePixmap.size(), QSize(400, 200));
+}
+
+void TestPictureTab::repeatCountFollowsSilently()
+{
+    // The preview is not fed a second time by the count that changes with the picture.
+    window->picload(file(QStringLiteral("a.png"), Qt::red));
+    QSignalSpy suggested(ui->suggest, qOverload<int>(&QSpinBox::valueChanged));
+    QSignalSpy counted(ui->Mode_loop, qOverload<int>(&QSpinBox::valueChanged));
+    window->picload(file(QStringLiteral("wide.png"), Qt::red, QSize(1000, 100)));
+    QCOMPARE(suggested.count(), 1);
+    QCOMPARE(counted.count(), 0);
+    QCOMPARE(ui->Mode_loop->value(), 11); // 75000 / 7000 is 10.7
+    ui->Mode_loop->setValue(12);
+    QCOMPARE(counted.count(), 1); // unblocked again
+}
+
+void TestPictureTab::unusableFilesShowBlack()
+{
+    window->picload(file(QStringLiteral("a.png"), Qt::red));
+    const QString broken = env->path(QStringLiteral("broken.png"));
+    QFile bytes(broken);
+    QVERIFY(bytes.open(QIODevice::WriteOnly) && bytes.write("no picture") > 0);
+    bytes.close();
+    window->statusBar()->clearMessage();
+    window->picload(broken);
+    QCOMPARE(message(), QString());
+    QVERIFY(window->picturePixmap.isNull());
+    QCOMPARE(window->patternWidth, 0);
+    QCOMPARE(previewed(10, 10), qRgb(0, 0, 0));
+    ui->Pic_Slide->setValue(40);
+    QCOMPARE(window->patternWidth, 0);
+    window->on_Add_Button_clicked();
+    QVERIFY(window->currentTimeline->items.isEmpty());
+
+    window->picload(file(QStringLiteral("flat.png"), Qt::red, QSize(20000, 3)));
+    QVERIFY(window->picturePixmap.isNull());
+    QVERIFY(message().contains(QStringLiteral("flat.png")));
+
+    // A thread and a dot are pictures like any other.
+    ui->Pic_Slide->setValue(0);
+    window->picload(file(QStringLiteral("thread.png"), Qt::red, QSize(3, 20000)));
+    QCOMPARE(window->patternWidth, 1);
+    QCOMPARE(window->picturePixmap.height(), 200);
+    ui->Pic_Slide->setValue(100);
+    QCOMPARE(window->patternWidth, 2);
+    window->on_Add_Button_clicked();
+    window->picload(file(QStringLiteral("dot.png"), Qt::red, QSize(1, 1)));
+    QCOMPARE(previewed(0, 69), qRgb(255, 0, 0));
+    window->on_Add_Button_clicked();
+    QCOMPARE(window->currentTimeline->items.size(), 2);
+    QVERIFY(!window->currentTimeline->items.first()->thumbnail.isNull());
+}
+
+void TestPictureTab::otherLedsOtherHeight()
+{
+    window->picload(file(QStringLiteral("a.png"), Qt::red));
+    ui->Leds->setValue(36);
+    QCOMPARE(window->patternWidth, 72);
+    QCOMPARE(ui->GLWidget->patternImage.height(), 36);
+    ui->Leds->setValue(0);
+    QCOMPARE(window->patternWidth, 0);
+    QVERIFY(window->picturePixmap.isNull());
+    ui->Pic_Slide->setValue(30);
+    ui->Leds->setValue(999);
+    QCOMPARE(window->patternWidth, 1998);
+    QCOMPARE(ui->GLWidget->patternImage.height(), 999);
+}
+
+void TestPictureTab::captureHidesTheWindow()
+{
+    const QString path = file(QStringLiteral("shot.png"), Qt::green);
+    const QRect before = window->geometry();
+    QRect meanwhile;
+    DialogDriver driver;
+    driver.answerWith([&](QDialog *dialog) {
+        meanwhile = window->geometry();
+        auto *capture = qobject_cast<ScreenCapture *>(dialog);
+        emit capture->callback(path);
+        capture->close();
+    });
+    window->on_Pic_Capture_clicked();
+    QVERIFY(driver.done());
+    QCOMPARE(meanwhile.x(), -before.width());
+    QCOMPARE(window->geometry(), before);
+    QCOMPARE(ui->PicDir->text(), path);
+    QCOMPARE(window->picturePixmap.toImage().pixel(20, 100), qRgb(0, 255, 0));
+}
+
+QTEST_MAIN(TestPictureTab)
+#include "test_picturetab.moc"
