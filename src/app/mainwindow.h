@@ -251,7 +251,7 @@ public slots:
     // preview/mainwindow_preview.cpp
     void Oviewer_change(int r, int g, int b);
     void Oviewer_change();
-    void glpreview_change(bool on, QPixmap pixmap, short leds, int fps, double seconds, int repeats);
+    void glpreview_change(bool on, const QPixmap &pixmap, short leds, int fps, double seconds, int repeats);
     void on_Oview_slide_valueChanged(int value);
     void on_static_checkbox_toggled(bool checked);
 

@@ -29,7 +29,7 @@ void MainWindow::Oviewer_change()
     previewInEditor(filled(foreColor));
 }
 
-void MainWindow::glpreview_change(bool on, QPixmap pixmap, short leds, int fps, double seconds, int repeats)
+void MainWindow::glpreview_change(bool on, const QPixmap &pixmap, short leds, int fps, double seconds, int repeats)
 {
     Q_UNUSED(on)
     ui->GLWidget->setPattern(pixmap, leds, fps, seconds, repeats);
