@@ -21,7 +21,7 @@ std::array<quint32, tableSize> opacities(int speed)
     for (int i = 0; i < tableSize; ++i) {
         const double place = (i + 0.5) / tableSize;
         const double behind = speed > 0 ? place : 1.0 - place;
-        table.at(i) = static_cast<quint32>(std::max(0.0, atBar * (1.0 - behind / reach)) + 0.5);
+        table.at(i) = static_cast<quint32>(std::lround(std::max(0.0, atBar * (1.0 - behind / reach))));
     }
     return table;
 }

@@ -249,7 +249,10 @@ void PropSimulator::composeFrame(QPainter &painter, int w, int h)
         if (spinSpeed != 0) {
             // Follows the newest wedge.
             const qint64 degrees = 1 - ((stepCount * 10 - 10) * spinSpeed) / 160;
-            afterglow.apply(disc, QPointF(w / 2 - h * 0.45 - left, h / 2 - top), degrees, spinSpeed);
+            const int half = w / 2;
+            const int middle = h / 2;
+            const QPointF centre(half - h * 0.45 - left, middle - top);
+            afterglow.apply(disc, centre, degrees, spinSpeed);
         }
         painter.drawImage(left, top, disc);
         if (spinSpeed != 0) {

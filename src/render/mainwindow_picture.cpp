@@ -16,6 +16,8 @@
 #include <QGuiApplication>
 #include <QStatusBar>
 
+#include <utility>
+
 void MainWindow::picload(QString path)
 {
     if (!QFile::exists(path)) {
@@ -24,21 +26,21 @@ void MainWindow::picload(QString path)
     ui->PicDir->setEnabled(true);
     // The store stays one picture behind.
     AppSettings().setValue(QStringLiteral("main/currentpicpath"), picPath);
-    picPath = path;
+    picPath = std::move(path);
     ui->PicView->setEnabled(true);
     if (ui->NEW_radio->isChecked()) {
         ui->Add_Button->setEnabled(true);
     }
-    ui->PicDir->setText(path);
+    ui->PicDir->setText(picPath);
 
     glow::PictureOptions options;
     options.flipH = ui->Pic_revH->isChecked();
     options.flipV = ui->Pic_revV->isChecked();
     options.gap = ui->Pic_Slide->value();
     options.leds = ledCount;
-    const glow::PictureResult result = glow::loadPicture(path, options);
+    const glow::PictureResult result = glow::loadPicture(picPath, options);
     if (result.tooBig) {
-        statusBar()->showMessage(tr("圖片尺寸過大，無法使用：") + QFileInfo(path).fileName());
+        statusBar()->showMessage(tr("圖片尺寸過大，無法使用：") + QFileInfo(picPath).fileName());
     }
     patternWidth = result.columns;
     pictureWidth = result.columns;
