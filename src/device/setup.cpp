@@ -7,6 +7,7 @@
 
 #include <QDebug>
 #include <QSerialPort>
+#include <QTextBlock>
 #include <QTextCodec>
 #include <QTextCursor>
 
@@ -15,6 +16,33 @@ namespace {
 // Pauses between two insertions: in a flood the terminal spends a quarter of its time on them.
 constexpr int leastPauseMs = 20;
 constexpr int pauseShare = 3;
+
+bool endsLine(QChar character)
+{
+    return character == u'\n' || character == u'\r';
+}
+
+// The text with only the last part of lines that are longer than the monitor shows quickly.
+QString withoutEndlessLines(const QString &text)
+{
+    QString kept;
+    int start = 0;
+    for (int i = 0; i <= text.size(); ++i) {
+        if (i == text.size() || endsLine(text.at(i))) {
+            kept += text.midRef(qMax(start, i - setup::lineLimit), qMin(i - start, setup::lineLimit) + 1);
+            start = i + 1;
+        }
+    }
+    return kept;
+}
+
+void removeFrom(QTextDocument *document, int position, int count)
+{
+    QTextCursor oldest(document);
+    oldest.setPosition(position);
+    oldest.setPosition(position + count, QTextCursor::KeepAnchor);
+    oldest.removeSelectedText();
+}
 
 } // namespace
 
@@ -88,21 +116,20 @@ void setup::showPending()
     }
     QElapsedTimer clock;
     clock.start();
+    const QString text = withoutEndlessLines(pending);
     QTextDocument *document = ui->MONITOR->document();
-    const int excess = document->characterCount() + pending.size() - monitorLimit;
+    const int excess = document->characterCount() + text.size() - monitorLimit;
     if (excess > 0) {
         // More than needed, so that not every insertion has to.
-        QTextCursor oldest(document);
-        oldest.setPosition(qMin(excess + monitorLimit / 4, document->characterCount() - 1), QTextCursor::KeepAnchor);
-        oldest.removeSelectedText();
+        removeFrom(document, 0, qMin(excess + monitorLimit / 4, document->characterCount() - 1));
     }
-    // The user may have marked something: it is text that came, and stays.
-    QTextCursor cursor = ui->MONITOR->textCursor();
-    if (cursor.hasSelection()) {
-        cursor.clearSelection();
-        ui->MONITOR->setTextCursor(cursor);
+    QTextCursor cursor(document);
+    cursor.setPosition(ui->MONITOR->textCursor().position());
+    if (cursor.positionInBlock() + text.size() > lineLimit) {
+        removeFrom(document, cursor.block().position(), cursor.positionInBlock());
     }
-    ui->MONITOR->insertPlainText(pending);
+    // By a cursor of its own: text that the user has marked is not replaced, and the view does not move.
+    cursor.insertText(text);
     pending.clear();
     if (ui->checkBox->isChecked()) {
         ui->MONITOR->ensureCursorVisible();

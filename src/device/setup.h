@@ -38,6 +38,7 @@ public slots:
 
 public:
     static constexpr int monitorLimit = 100000;
+    static constexpr int lineLimit = 4000;
 
 private:
     void search();

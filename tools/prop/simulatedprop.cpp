@@ -148,7 +148,8 @@ void SimulatedProp::run()
                 return;
             }
         }
-        pollfd state = {master, POLLIN, 0};
+        const bool due = isOpen && !pending.isEmpty() && pending.first().atMs <= now();
+        pollfd state = {master, static_cast<short>(due ? POLLIN | POLLOUT : POLLIN), 0};
         ::poll(&state, 1, tickMs);
         const bool hungUp = (state.revents & POLLHUP) != 0; // nobody has the other end open
         if (!hungUp && !isOpen) {
