@@ -30,7 +30,8 @@ public:
 
 public slots:
     // Shows what the prop has said, at the monitor's cursor and as it comes. In a flood it gathers for a moment between
-    // two insertions, and the monitor keeps the latest monitorLimit characters only: the dialog stays usable.
+    // two insertions, and the monitor keeps the latest monitorLimit characters only, of a line the latest lineLimit:
+    // the dialog stays usable.
     void read_to_monitor();
     // Sends the command line as it stands, without a line ending, and empties it; nothing happens without a port.
     void on_SEND_BUTTON_clicked();
