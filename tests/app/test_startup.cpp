@@ -208,7 +208,7 @@ TestStartup::Run TestStartup::run(const QString &script, const QStringList &argu
     // The server runs in this process, so its event loop must go on.
     QElapsedTimer watch;
     watch.start();
-    while (process.state() != QProcess::NotRunning && watch.elapsed() < 60000) {
+    while (process.state() != QProcess::NotRunning && watch.elapsed() < 150000) {
         QTest::qWait(10);
     }
     result.finished = process.state() == QProcess::NotRunning;
