@@ -3,7 +3,6 @@
 #include "app/mainwindow.h"
 #include "timeline/timelineitem.h"
 
-#include <QAbstractNativeEventFilter>
 #include <QApplication>
 #include <QCursor>
 #include <QMenu>
@@ -11,25 +10,14 @@
 #include <QWindow>
 #include <QtTest>
 
-namespace {
-
-// The pointer of the display stands where it was put, but its own events may come late, in the middle of a drag, and
-// would pull the item back there. While this stands, only the test moves the mouse.
-class NoForeignMouse : public QAbstractNativeEventFilter
+bool NoForeignMouse::nativeEventFilter(const QByteArray &eventType, void *message, long * /*result*/)
 {
-public:
-    NoForeignMouse() { QCoreApplication::instance()->installNativeEventFilter(this); }
-    bool nativeEventFilter(const QByteArray &eventType, void *message, long * /*result*/) override
-    {
-        if (eventType != "xcb_generic_event_t") {
-            return false;
-        }
-        const int type = *static_cast<const quint8 *>(message) & 0x7f;
-        return (type >= 4 && type <= 8) || type == 35; // buttons, motion, enter, leave; the same by the input extension
+    if (eventType != "xcb_generic_event_t") {
+        return false;
     }
-};
-
-} // namespace
+    const int type = *static_cast<const quint8 *>(message) & 0x7f;
+    return (type >= 4 && type <= 8) || type == 35; // buttons, motion, enter, leave; the same by the input extension
+}
 
 QPoint MouseDriver::inWindow(const QWidget *widget, const QPoint &pos) const
 {
@@ -45,7 +33,6 @@ bool MouseDriver::drag(TimelineItem *item, const QPoint &pos, const QVector<Step
     if (!QTest::qWaitFor([&] { return QCursor::pos() == window->mapToGlobal(last); })) {
         return false;
     }
-    const NoForeignMouse onlyOurs;
     QCoreApplication::processEvents();
     int next = 0;
     bool done = false;

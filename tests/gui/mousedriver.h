@@ -1,6 +1,8 @@
 // Drives the window by mouse events that take the same road as the window system's own.
 #pragma once
 
+#include <QAbstractNativeEventFilter>
+#include <QCoreApplication>
 #include <QPoint>
 #include <QVector>
 
@@ -10,12 +12,22 @@ class MainWindow;
 class TimelineItem;
 class QWidget;
 
+// The pointer of the display stands where it was put, but its own events may come late, in the middle of a drag, and
+// would pull the item back there. While this stands (installed by the application's object), only the test moves the
+// mouse.
+class NoForeignMouse : public QAbstractNativeEventFilter
+{
+public:
+    bool nativeEventFilter(const QByteArray &eventType, void *message, long *result) override;
+};
+
 class MouseDriver
 {
 public:
     explicit MouseDriver(MainWindow *driven)
         : window(driven)
     {
+        QCoreApplication::instance()->installNativeEventFilter(&onlyOurs);
     }
 
     // A step of a drag: the pointer moves to a point of a widget, then the check runs, still inside the drag.
@@ -45,4 +57,5 @@ private:
     QPoint inWindow(const QWidget *widget, const QPoint &pos) const;
 
     MainWindow *window;
+    NoForeignMouse onlyOurs; // takes itself off when destroyed
 };
