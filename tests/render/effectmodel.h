@@ -17,23 +17,20 @@ struct EffectModel
     Rgb at(int x, int y, double &clear);
 
 private:
-    void lay(const Rgb &colour, double alpha, double inside);
-    void multiply(const Rgb &colour);
-    Rgb part(int index) const; // front, or the hue of that index
-    double fade(int index) const;
-
-    void flash(int x);
-    void windmill(double x, double y);
+    // A layer over what is there, where inside (the distance to the figure's edge) is positive.
+    void lay(const Rgb &colour, double alpha, double inside = 1000);
+    // The figure of one part: in the negative the back colour on stripes of the hues, of which ground is the index.
+    void figure(int part, int ground, double alpha, double inside = 1000);
     void steps(int x);
-    void fadeEdges(int x);
-    void arrow(double x, double y);
-    void saw(double x, double y);
-    void meteor(double u);
-    void slantedMeteor(double v);
+    void meteors(double at, const std::array<std::array<double, 2>, 3> &starts, double step);
     void box(int x, int y);
     void still(int row, double x, double y);
 
-    glow::EffectSettings settings;
+    Rgb part(int index) const { return mode == 0 ? front : hues.at(static_cast<std::size_t>(index)); }
+    double fade(int index) const { return 255 - 255 * index / strips; }
+
+    int row;
+    int mode;
     int strips;
     Rgb front;
     Rgb back;
