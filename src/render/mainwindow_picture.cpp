@@ -10,6 +10,7 @@
 #include "ui_mainwindow.h"
 
 #include <QDir>
+#include <QDockWidget>
 #include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -84,7 +85,8 @@ void MainWindow::on_Pic_Loads_clicked()
 }
 
 // The window has to be gone before the tool grabs the screen. A window manager keeps a corner of a moved window in
-// sight and does not move a maximised one at all, so it is hidden as well; hidden it must not count as closed.
+// sight and does not move a maximised one at all, so it is hidden as well; hidden it must not count as closed. A
+// floating panel is a window of its own, which stays when this one goes.
 void MainWindow::on_Pic_Capture_clicked()
 {
     const QRect before = geometry();
@@ -93,6 +95,13 @@ void MainWindow::on_Pic_Capture_clicked()
     QGuiApplication::setQuitOnLastWindowClosed(false);
     if (moves) {
         setGeometry(-width(), 0, 0, 0);
+    }
+    QList<QDockWidget *> panels;
+    for (QDockWidget *panel : findChildren<QDockWidget *>()) {
+        if (panel->isFloating() && panel->isVisible()) {
+            panels.append(panel);
+            panel->hide();
+        }
     }
     hide();
     glow::letDesktopSettle();
@@ -104,6 +113,9 @@ void MainWindow::on_Pic_Capture_clicked()
     show();
     if (moves) {
         setGeometry(before);
+    }
+    for (QDockWidget *panel : qAsConst(panels)) {
+        panel->show();
     }
     QGuiApplication::setQuitOnLastWindowClosed(quits);
 }
