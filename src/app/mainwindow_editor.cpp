@@ -27,7 +27,12 @@ void MainWindow::on_Mode_t1_timeChanged(const QTime &time)
 
 void MainWindow::on_Mode_t2_timeChanged(const QTime &time)
 {
-    ui->Mode_last->setValue((glow::msOf(time) - glow::msOf(ui->Mode_t1->time())) / 1000.0);
+    const double seconds = (glow::msOf(time) - glow::msOf(ui->Mode_t1->time())) / 1000.0;
+    ui->Mode_last->setValue(seconds);
+    // A length that the field clips to the value it already holds is no change to it, and yet the end has to move.
+    if (seconds < ui->Mode_last->minimum() || seconds > ui->Mode_last->maximum()) {
+        on_Mode_last_valueChanged(ui->Mode_last->value());
+    }
 }
 
 void MainWindow::on_Mode_last_valueChanged(double seconds)
