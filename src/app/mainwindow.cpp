@@ -129,10 +129,11 @@ void MainWindow::loadPresets()
             languageGroup->actions().value(settings.value(QStringLiteral("main/language")).toInt() - 1)) {
         language->setChecked(true);
     }
-    if (QAction *gadget = gadgetGroup->actions().value(settings.value(QStringLiteral("main/gadget")).toInt())) {
-        emit gadget->triggered();
-        gadget->toggle();
-    }
+    // A number that is no row's leaves the custom entry, by which the user can still get on.
+    const QList<QAction *> gadgets = gadgetGroup->actions();
+    QAction *gadget = gadgets.value(settings.value(QStringLiteral("main/gadget")).toInt(), gadgets.first());
+    emit gadget->triggered();
+    gadget->toggle();
     ui->Mode_Pic->setCurrentIndex(0);
     ui->Add_Button->setEnabled(false);
 
