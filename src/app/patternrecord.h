@@ -20,9 +20,11 @@ enum PatternKind { PicturePattern = 0, ColourPattern = 1, TextPattern = 2, Effec
 //   thumbnail     QPixmap   32-bit marker (1, or 0 for a null pixmap and nothing more), then a PNG file
 //   startTime     QTime     unsigned 32-bit milliseconds since midnight, 0xFFFFFFFF when null
 //   endTime       QTime     the same
-//   solidColor    QColor    8-bit spec (0 invalid, 1 RGB), then five unsigned 16-bit values: alpha, red, green, blue,
-//   pad repeatCount   qint32 patternKind   qint32 speedValue    qint32 settingsText  QString   unsigned 32-bit byte
-//   length, then UTF-16 big-endian; 0xFFFFFFFF for a null string
+//   solidColor    QColor    8-bit spec (0 invalid, 1 RGB), then 16-bit alpha, red, green, blue, pad
+//   repeatCount   qint32
+//   patternKind   qint32
+//   speedValue    qint32
+//   settingsText  QString   unsigned 32-bit byte length, then UTF-16 big-endian; 0xFFFFFFFF for a null string
 //
 // There is no magic, version or length: the blob is delimited by the QByteArray that carries it.
 struct PatternRecord

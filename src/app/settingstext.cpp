@@ -12,16 +12,10 @@ QString flagText(bool on)
     return on ? QStringLiteral("1") : QStringLiteral("0");
 }
 
-QString joined(const QStringList &parts, QChar mark)
-{
-    return parts.join(mark);
-}
-
 QString withGroups(int kind, int loop, const QString &value, const QString &first, bool revH, bool revV)
 {
-    return joined({QString::number(kind), QString::number(loop), value,
-                   joined({first, flagText(revH), flagText(revV)}, groupMark)},
-                  fieldMark);
+    const QStringList flags{first, flagText(revH), flagText(revV)};
+    return QStringList{QString::number(kind), QString::number(loop), value, flags.join(groupMark)}.join(fieldMark);
 }
 
 } // namespace
@@ -92,7 +86,7 @@ QString withPicturePath(const QString &text, const QString &path)
         return text;
     }
     fields[2] = path;
-    return joined(fields, fieldMark);
+    return fields.join(fieldMark);
 }
 
 QString composePicture(int loop, const QString &path, int gap, bool revH, bool revV)
@@ -102,23 +96,22 @@ QString composePicture(int loop, const QString &path, int gap, bool revH, bool r
 
 QString composeColour(const QColor &fore)
 {
-    return joined({QStringLiteral("1"), fore.name()}, fieldMark);
+    return QStringLiteral("1?") + fore.name();
 }
 
 QString composeText(int loop, const QColor &fore, const QColor &back, const QString &text, int fontIndex, int sizeIndex,
                     int slide, bool revH, bool revV)
 {
-    const QString value =
-        joined({fore.name(), back.name(), text, QString::number(fontIndex), QString::number(sizeIndex)}, groupMark);
-    return withGroups(2, loop, value, QString::number(slide), revH, revV);
+    const QStringList values{fore.name(), back.name(), text, QString::number(fontIndex), QString::number(sizeIndex)};
+    return withGroups(2, loop, values.join(groupMark), QString::number(slide), revH, revV);
 }
 
 QString composeEffect(int loop, const QColor &fore, const QColor &back, int row, int mode, int width, bool revH,
                       bool revV)
 {
-    const QString value = joined(
-        {fore.name(), back.name(), QString::number(row), QString::number(mode), QString::number(width)}, groupMark);
-    return withGroups(3, loop, value, QStringLiteral("0"), revH, revV);
+    const QStringList values{fore.name(), back.name(), QString::number(row), QString::number(mode),
+                             QString::number(width)};
+    return withGroups(3, loop, values.join(groupMark), QStringLiteral("0"), revH, revV);
 }
 
 QString withoutSeparators(QString text)
