@@ -4,6 +4,7 @@
 #include "app/appsettings.h"
 #include "app/propvalues.h"
 #include "app/recovery.h"
+#include "forms/connectbyname.h"
 #include "forms/style.h"
 #include "render/randomdraw.h"
 #include "resources/resources.h"
@@ -46,7 +47,10 @@ MainWindow::MainWindow(QWidget *parent)
     , ui(newForm())
 {
     ui->setupUi(this);
+    glow::connectByName(this);
     glow::applyStyle(this);
+    // A fresh window starts at its left.
+    ui->Mode_Pic->setFocus();
     patternWidth = ui->Leds->value();
     ledCount = static_cast<qint16>(ui->Leds->value());
 
@@ -83,6 +87,8 @@ MainWindow::MainWindow(QWidget *parent)
 
     connect(ui->Add_Button, &MyButton::hovered, this, &MainWindow::on_Addbutton_hovered);
     chartView = new ChartView(ui->audio_frame);
+    chartView->setAccessibleName(tr("波形"));
+    chartView->setFocusPolicy(Qt::NoFocus);
     ui->audio_frame->installEventFilter(this);
     chartView->hide();
     chipGroup->addAction(ui->actionCX2802);
