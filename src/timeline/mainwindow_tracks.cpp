@@ -48,10 +48,18 @@ void MainWindow::renumberTracks()
         const int row = ui->timeline_layout->indexOf(track);
         track->rowLabel->setText(QString::number(timelines.size() - row + 1));
     }
-    // The labels of removed tracks stay behind in their layout; those that count stand at their tracks' places.
+    // The labels of removed tracks stay behind in their layout; those that count stand at their tracks' places. The tab
+    // key goes through the tracks from the top down.
+    QWidget *above = ui->timeline_scroll_2;
     for (int row = 1; row < ui->timeline_layout->count(); ++row) {
-        const auto *track = qobject_cast<Timeline *>(ui->timeline_layout->itemAt(row)->widget());
-        if (track != nullptr && ui->timeline_rowheader_layout->indexOf(track->rowLabel) != row) {
+        auto *track = qobject_cast<Timeline *>(ui->timeline_layout->itemAt(row)->widget());
+        if (track == nullptr) {
+            continue;
+        }
+        track->setAccessibleName(tr("軌道") + u' ' + track->rowLabel->text());
+        setTabOrder(above, track);
+        above = track;
+        if (ui->timeline_rowheader_layout->indexOf(track->rowLabel) != row) {
             ui->timeline_rowheader_layout->removeWidget(track->rowLabel);
             ui->timeline_rowheader_layout->insertWidget(qMin(row, ui->timeline_rowheader_layout->count()),
                                                         track->rowLabel);

