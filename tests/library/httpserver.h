@@ -8,8 +8,6 @@
 
 class HttpServer : public QTcpServer
 {
-    Q_OBJECT
-
 public:
     HttpServer()
     {
