@@ -28,6 +28,14 @@ void paintBeforeWaiting(QWidget *window)
     window->repaint();
 }
 
+// The lock, as a window of its own that wears the main window's icon.
+bool unlocked(const QWidget *window)
+{
+    Pass pass(nullptr);
+    pass.setWindowIcon(window->windowIcon());
+    return pass.exec() == QDialog::Accepted;
+}
+
 QSerialPort *maintenancePort(QObject *parent)
 {
     auto *port = new QSerialPort(parent); // closed after the job, gone with the window
@@ -59,8 +67,7 @@ void MainWindow::on_actionFormat_triggered()
 
 void MainWindow::on_actionFirUpdate_triggered()
 {
-    Pass pass(nullptr);
-    if (pass.exec() == QDialog::Accepted) {
+    if (unlocked(this)) {
         updatesystem();
     }
 }
@@ -90,11 +97,11 @@ void MainWindow::updatesystem()
 
 void MainWindow::on_action_admin_triggered()
 {
-    Pass pass(nullptr);
-    if (pass.exec() != QDialog::Accepted) {
+    if (!unlocked(this)) {
         return;
     }
     paintBeforeWaiting(this);
     setup terminal(nullptr);
+    terminal.setWindowIcon(windowIcon());
     terminal.exec();
 }

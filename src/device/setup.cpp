@@ -59,6 +59,7 @@ setup::setup(QWidget *parent)
     ui->actionenter->setEnabled(true);
     pause.setSingleShot(true);
     connect(&pause, &QTimer::timeout, this, &setup::showPending);
+    ui->COMMAND->setFocus();
     search();
 }
 
@@ -100,7 +101,15 @@ void setup::search()
 
 void setup::read_to_monitor()
 {
-    pending += decoder->toUnicode(serial->readAll());
+    QString text = decoder->toUnicode(serial->readAll()).remove(QChar::Null);
+    if (afterReturn && text.startsWith(u'\n')) {
+        text.remove(0, 1); // a line's end that came in two pieces is one end
+        afterReturn = false;
+    }
+    if (!text.isEmpty()) {
+        afterReturn = text.endsWith(u'\r');
+    }
+    pending += text;
     if (pending.size() > monitorLimit) {
         pending = pending.right(monitorLimit);
     }

@@ -39,7 +39,7 @@ public slots:
 
 public:
     static constexpr int monitorLimit = 100000;
-    static constexpr int lineLimit = 4000;
+    static constexpr int lineLimit = 20000;
 
 private:
     void search();
@@ -47,5 +47,6 @@ private:
 
     std::unique_ptr<QTextDecoder> decoder; // UTF-8; a character may come in two pieces
     QString pending;
-    QTimer pause; // until the next insertion
+    bool afterReturn = false; // the last character that came is a carriage return
+    QTimer pause;             // until the next insertion
 };
