@@ -1,5 +1,6 @@
 #include "device/portnames.h"
 
+#include <QDir>
 #include <QtGlobal>
 
 namespace glow {
@@ -8,7 +9,9 @@ QString portName(int number)
 {
     const QString pattern = qEnvironmentVariable("GLOWSMITH_PORT_PATTERN");
     if (!pattern.isEmpty()) {
-        return QString(pattern).replace(QLatin1String("%1"), QString::number(number));
+        const QString name = QString(pattern).replace(QLatin1String("%1"), QString::number(number));
+        // QSerialPort would look for a relative path among the system's devices.
+        return name.contains(QLatin1Char('/')) ? QDir::current().absoluteFilePath(name) : name;
     }
 #ifdef Q_OS_WIN
     return QStringLiteral("COM") + QString::number(number);

@@ -4,7 +4,7 @@
 //   elsewhere   ttyACM0 to ttyACM49 for the numbers 0 to 49, ttyUSB0 to ttyUSB49 for 50 to 99
 //
 // The environment variable GLOWSMITH_PORT_PATTERN overrides both for unusual set-ups: a pattern in which %1 stands for
-// the number, such as /dev/rfcomm%1.
+// the number, such as /dev/rfcomm%1. With a "/" in it, it is a path, from the working directory if relative.
 #pragma once
 
 #include <QString>
