@@ -36,6 +36,12 @@ QVector<Stretch> stretches(const DecodedShow &show)
     return list;
 }
 
+// x * columns / width, where the product may be too large: a damaged file can tell of any number of repeats.
+qint64 firstColumn(int x, qint64 columns, int width)
+{
+    return columns / width * x + columns % width * x / width;
+}
+
 void drawColumn(QImage &strip, int x, const DecodedShow &show, const DecodedEntry &entry, qint64 frame, int divisor)
 {
     const auto *bytes = reinterpret_cast<const uchar *>(entry.frames.constData()) + frame * show.frameBytes();
@@ -103,7 +109,7 @@ QImage drawShow(const DecodedShow &show)
     const int divisor = gammaDivisor(show.leds);
     int part = 0;
     for (int x = 0; x < width; ++x) {
-        const qint64 column = qint64(x) * columns / width;
+        const qint64 column = firstColumn(x, columns, width);
         while (part + 1 < parts.size() && column >= parts.at(part).first + parts.at(part).count) {
             ++part;
         }
@@ -113,7 +119,7 @@ QImage drawShow(const DecodedShow &show)
     painter.drawImage(QRect(0, 0, width, stripHeight), strip);
     painter.setPen(QPen(QColor(255, 200, 0, 160), 1, Qt::DashLine));
     for (const Stretch &stretch : parts) {
-        const int x = int(stretch.first * width / columns);
+        const int x = int(double(stretch.first) / double(columns) * width);
         painter.drawLine(x, 0, x, stripHeight);
     }
     drawAxis(painter, stripHeight, width, show.rate > 0 ? double(columns) / show.rate : 0);
