@@ -5,7 +5,6 @@
 #include "device/projectshow.h"
 
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 namespace cli {
@@ -155,7 +154,7 @@ int check(const QStringList &arguments)
     const QVector<glow::ImageEntry> entries = glow::planImage(show);
     const QVector<Finding> findings = checkShow(show, entries);
     if (command.parser.isSet(json)) {
-        print(QString::fromUtf8(QJsonDocument(asJson(findings, show, entries)).toJson()).trimmed());
+        printJson(asJson(findings, show, entries));
     } else {
         printPlain(findings, show, entries);
     }

@@ -2,6 +2,8 @@
 
 #include "app/wholefile.h"
 
+#include <QFile>
+#include <QJsonDocument>
 #include <QTextStream>
 
 #include <cstdio>
@@ -11,6 +13,13 @@ namespace cli {
 void print(const QString &line)
 {
     QTextStream(stdout) << line << Qt::endl;
+}
+
+void printJson(const QJsonObject &facts)
+{
+    QFile out;
+    out.open(stdout, QIODevice::WriteOnly);
+    out.write(QJsonDocument(facts).toJson());
 }
 
 void complain(const QString &line)
@@ -29,7 +38,9 @@ bool Command::parse(const QStringList &arguments, int positionals, int &code)
 {
     const bool understood = parser.parse(QStringList{QStringLiteral("glowsmith-cli ") + name} + arguments);
     if (parser.isSet(QStringLiteral("help"))) {
-        print(parser.helpText());
+        // The parser knows nothing of commands.
+        print(parser.helpText().replace(QStringLiteral("glowsmith-cli [options]"),
+                                        QStringLiteral("glowsmith-cli %1 [options]").arg(name)));
         code = Done;
         return false;
     }

@@ -6,6 +6,7 @@
 #include "device/deviceimage.h"
 
 #include <QCommandLineParser>
+#include <QJsonObject>
 #include <QString>
 #include <QStringList>
 
@@ -24,6 +25,7 @@ int upload(const QStringList &arguments);
 // Shared by the commands.
 
 void print(const QString &line);
+void printJson(const QJsonObject &facts); // in UTF-8, whatever the terminal's encoding
 void complain(const QString &line);
 
 // A parser whose help shows the command, what it does, the arguments and an example.

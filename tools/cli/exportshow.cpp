@@ -138,7 +138,7 @@ int show(const QStringList &arguments)
         return WrongUse;
     }
     glow::DecodedShow decoded;
-    if (command.operand(0).endsWith(QStringLiteral(".bin"))) {
+    if (command.operand(0).endsWith(QStringLiteral(".bin"), Qt::CaseInsensitive)) {
         if (!readBin(command.operand(0), decoded)) {
             return Failed;
         }

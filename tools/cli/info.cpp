@@ -8,7 +8,6 @@
 
 #include <QFile>
 #include <QJsonArray>
-#include <QJsonDocument>
 #include <QJsonObject>
 
 namespace cli {
@@ -113,7 +112,7 @@ int info(const QStringList &arguments)
     }
     const QJsonObject facts = describe(project);
     if (command.parser.isSet(json)) {
-        print(QString::fromUtf8(QJsonDocument(facts).toJson()).trimmed());
+        printJson(facts);
     } else {
         printPlain(facts);
     }

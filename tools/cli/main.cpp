@@ -1,10 +1,12 @@
 // glowsmith-cli: shows without a window.
 #include "cli.h"
 
+#include "app/programversion.h"
 #include "resources/resources.h"
 
 #include <QGuiApplication>
 #include <QLoggingCategory>
+#include <QTranslator>
 
 namespace {
 
@@ -48,12 +50,15 @@ int main(int argc, char *argv[])
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
-    // What the program notes for its developers is of no use here.
-    QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false"));
+    // What the program and its libraries note for developers is of no use here.
+    QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false\ndefault.warning=false"));
     const QGuiApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("glowsmith-cli"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("3.104"));
     glow::initResources();
+    // The commands speak English, and so must what they pass on of an upload.
+    QTranslator english;
+    english.load(QStringLiteral(":/language/language/english.qm"));
+    QCoreApplication::installTranslator(&english);
 
     QStringList arguments = QCoreApplication::arguments();
     arguments.removeFirst();
@@ -63,7 +68,7 @@ int main(int argc, char *argv[])
         return cli::Done;
     }
     if (name == QLatin1String("--version") || name == QLatin1String("-v")) {
-        cli::print(QStringLiteral("glowsmith-cli ") + QCoreApplication::applicationVersion());
+        cli::print(QStringLiteral("glowsmith-cli %1").arg(glow::programVersion, 0, 'f', 3));
         return cli::Done;
     }
     for (const Entry &entry : entries) {

@@ -18,7 +18,8 @@ void drawProgress(int percent)
 {
     constexpr int width = 40;
     const int filled = percent * width / 100;
-    QTextStream(stderr) << "\r[" << QString(filled, u'#') << QString(width - filled, u' ') << "] " << percent << "%";
+    QTextStream(stderr) << "\r[" << QString(filled, u'#') << QString(width - filled, u' ') << "] " << percent << "%"
+                        << (percent == 100 ? "\n" : "");
 }
 
 // One port alone is tried if it is the only one behind the pattern: a link with the number 0 in a folder of our own.
@@ -32,6 +33,30 @@ bool useOnly(const QString &port, const QTemporaryDir &folder)
     QFile::link(path, folder.filePath(QStringLiteral("COM0")));
     qputenv("GLOWSMITH_PORT_PATTERN", QFile::encodeName(folder.filePath(QStringLiteral("COM%1"))));
     return true;
+}
+
+// The upload works in a folder of its own, from where a relative pattern would lead nowhere.
+void fixRelativePorts()
+{
+    const QString pattern = qEnvironmentVariable("GLOWSMITH_PORT_PATTERN");
+    if (pattern.contains(u'/')) {
+        qputenv("GLOWSMITH_PORT_PATTERN", QFile::encodeName(QFileInfo(pattern).absoluteFilePath()));
+    }
+}
+
+// What went wrong, from the word that the upload has for it.
+QString explained(const QString &failure)
+{
+    if (failure.isEmpty()) {
+        return QStringLiteral("the prop did not finish");
+    }
+    if (failure == QLatin1String("ERROR01")) {
+        return QStringLiteral("the prop did not answer (ERROR01)");
+    }
+    if (failure == QLatin1String("ERROR02")) {
+        return QStringLiteral("the prop refused the show (ERROR02)");
+    }
+    return failure;
 }
 
 bool writeParts(const glow::DeviceShow &show)
@@ -69,6 +94,7 @@ int upload(const QStringList &arguments)
     if (!folder.isValid() || (command.parser.isSet(port) && !useOnly(command.parser.value(port), folder))) {
         return Failed;
     }
+    fixRelativePorts();
     const QString before = QDir::currentPath();
     QDir::setCurrent(folder.path());
     if (!writeParts(show)) {
@@ -76,7 +102,13 @@ int upload(const QStringList &arguments)
     }
     WorkerThread thread;
     QString failure;
-    QObject::connect(&thread, &WorkerThread::progress, qApp, [](int percent, int) { drawProgress(percent); });
+    int drawn = -1;
+    QObject::connect(&thread, &WorkerThread::progress, qApp, [&drawn](int percent, int) {
+        if (percent != drawn) {
+            drawProgress(percent);
+            drawn = percent;
+        }
+    });
     QObject::connect(&thread, &WorkerThread::expmess, qApp, [&failure](const QString &text) { failure = text; });
     QObject::connect(&thread, &QThread::finished, qApp, &QCoreApplication::quit);
     thread.start();
@@ -84,9 +116,8 @@ int upload(const QStringList &arguments)
     thread.wait();
     QCoreApplication::processEvents();
     QDir::setCurrent(before);
-    QTextStream(stderr) << "\n";
     if (thread.uploadOk == 0) {
-        complain(failure.isEmpty() ? QStringLiteral("the prop did not finish") : failure);
+        complain((drawn >= 0 ? QStringLiteral("\n") : QString()) + explained(failure));
         return Failed;
     }
     print(QStringLiteral("sent %1 patterns").arg(show.patterns.size()));

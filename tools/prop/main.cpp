@@ -10,6 +10,7 @@
 #include <QDir>
 #include <QFile>
 #include <QGuiApplication>
+#include <QLoggingCategory>
 #include <QTemporaryDir>
 #include <QTextStream>
 
@@ -174,6 +175,7 @@ int main(int argc, char *argv[])
     if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) {
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
+    QLoggingCategory::setFilterRules(QStringLiteral("default.warning=false")); // about the surroundings, of no use here
     const QGuiApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("glowsmith-prop"));
 
