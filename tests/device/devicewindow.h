@@ -5,6 +5,7 @@
 #include "app/mainwindow.h"
 #include "app/propvalues.h"
 #include "device/portscan.h"
+#include "prop/simulatedprop.h"
 #include "support/testenv.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineitem.h"
@@ -13,7 +14,6 @@
 
 #include <QFile>
 #include <QLoggingCategory>
-#include <QPainter>
 #include <QtTest>
 
 class PortFolder
@@ -45,18 +45,20 @@ public:
         ui->FPS_V->setValue(rate);
     }
 
-    void add(int kind, int start, int end, const QColor &colour, int repeat = 1)
+    void add(int kind, int start, int end, const QColor &colour)
     {
         glow::PatternRecord record;
         record.thumbnail = QPixmap(85, 85);
         record.thumbnail.fill(colour);
         record.startTime = glow::timeOf(start);
         record.endTime = glow::timeOf(end);
-        record.solidColor = kind == glow::ColourPattern ? colour : QColor();
-        record.repeatCount = repeat;
+        record.repeatCount = 1;
         record.patternKind = kind;
-        record.settingsText =
-            kind == glow::ColourPattern ? QStringLiteral("1?") + colour.name() : QStringLiteral("0?1?a.png?0|0|0");
+        record.settingsText = QStringLiteral("0?1?a.png?0|0|0");
+        if (kind == glow::ColourPattern) {
+            record.solidColor = colour;
+            record.settingsText = QStringLiteral("1?") + colour.name();
+        }
         window->currentTimeline->addTimelineItem(new TimelineItem(glow::writePattern(record), window->currentTimeline));
     }
 
@@ -68,4 +70,17 @@ inline QByteArray fileBytes(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
+}
+
+inline PropBehaviour silentProp()
+{
+    PropBehaviour behaviour;
+    behaviour.greeting.clear();
+    return behaviour;
+}
+
+// The host has closed the port of the last session.
+inline bool portClosed(const QVector<PropSession> &sessions)
+{
+    return !sessions.isEmpty() && !sessions.last().open;
 }

@@ -14,45 +14,30 @@ struct PlainEntry
 struct PlainShow
 {
     bool ok = false;
-    int slot = 0;
-    int ledByte = 0;
-    int entryByte = 0;
+    QByteArray fixed; // slot, LEDs and number of entries, low bytes each
     QByteArray rate;
     bool loop = false;
     QList<PlainEntry> entries;
 };
 
-inline quint32 plainLength(const QByteArray &bytes, int at)
+inline int plainLength(const QByteArray &bytes, int at)
 {
-    quint32 length = 0;
-    for (int i = 0; i < 4; ++i) {
-        length = length * 256 + static_cast<uchar>(bytes.at(at + i));
-    }
-    return length;
+    return bytes.mid(at, 4).toHex().toInt(nullptr, 16);
 }
 
 // exact: nothing may stand behind the end of the frame data.
 inline PlainShow plainDecode(const QByteArray &header, QByteArray data, bool exact = true)
 {
-    static const QByteArray trailer("\0\0\0\x06"
-                                    "00000\0",
-                                    10);
+    static const QByteArray trailer = QByteArray::fromHex("00000006303030303000");
     PlainShow show;
-    if (header.size() < 20 || !header.endsWith(trailer) || header.mid(1, 2) != "\xFF\xFE" || !data.startsWith('\xFF')) {
+    const int digits = header.size() < 20 ? 0 : plainLength(header, 5);
+    const QByteArray list = header.mid(10 + digits, header.size() - 20 - digits);
+    if (!header.endsWith(trailer) || header.mid(1, 2) != "\xFF\xFE" || header.mid(9 + digits, 1) != "\xFF" ||
+        !list.endsWith('\xFF') || !data.startsWith('\xFF')) {
         return show;
     }
-    show.slot = static_cast<uchar>(header.at(0));
-    show.ledByte = static_cast<uchar>(header.at(3));
-    show.entryByte = static_cast<uchar>(header.at(4));
-    const int digits = static_cast<int>(plainLength(header, 5));
+    show.fixed = header.left(1) + header.mid(3, 2);
     show.rate = header.mid(9, digits);
-    if (header.at(9 + digits) != '\xFF') {
-        return show;
-    }
-    const QByteArray list = header.mid(10 + digits, header.size() - 10 - digits - trailer.size());
-    if (list.isEmpty() || !list.endsWith('\xFF')) {
-        return show;
-    }
     data.remove(0, 1);
     const QList<QByteArray> repeats = list.left(list.size() - 1).split('\xFF');
     for (const QByteArray &repeat : repeats) {
@@ -60,32 +45,22 @@ inline PlainShow plainDecode(const QByteArray &header, QByteArray data, bool exa
         if (end < 0) {
             return show;
         }
-        PlainEntry entry;
-        entry.repeat = repeat.toInt();
-        if (end > 0) {
-            entry.frames = data.left(end).split('\xFE');
-        }
-        show.entries << entry;
+        show.entries << PlainEntry{repeat.toInt(), end > 0 ? data.left(end).split('\xFE') : QList<QByteArray>()};
         data.remove(0, end + 1);
     }
     show.loop = data.startsWith('\xFE' + trailer);
-    if (show.loop) {
-        data.remove(0, 11);
-    }
-    show.ok = !exact || data.isEmpty();
+    show.ok = !exact || data.size() == (show.loop ? 11 : 0);
     return show;
 }
 
 inline PlainShow plainDecodeBin(const QByteArray &bin)
 {
-    const int size = static_cast<int>(plainLength(bin, 6));
-    const QByteArray header = bin.mid(4, 1) + bin.mid(10, size - 1);
+    const int size = plainLength(bin, 6);
     QByteArray data;
+    bool ok = plainLength(bin, 0) == 2 && bin.at(5) == 0;
     for (int at = 10 + size; at < bin.size(); at += 260) {
-        if (plainLength(bin, at) != 256) {
-            return {};
-        }
+        ok = ok && plainLength(bin, at) == 256;
         data += bin.mid(at + 4, 256);
     }
-    return plainLength(bin, 0) == 2 && bin.at(5) == 0 ? plainDecode(header, data, false) : PlainShow();
+    return ok ? plainDecode(bin.mid(4, 1) + bin.mid(10, size - 1), data, false) : PlainShow();
 }

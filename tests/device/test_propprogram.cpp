@@ -1,45 +1,24 @@
-// The program glowsmith-prop, started and used as from a shell.
-#include "device/deviceimage.h"
-#include "device/portscan.h"
+// The program glowsmith-prop, started and used as from a shell, by the upload of the window and of the command line.
+#include "device/devicewindow.h"
+
+#include "app/projectfile.h"
+#include "app/wholefile.h"
+#include "device/devicedecode.h"
+#include "device/showpicture.h"
 #include "device/wipe.h"
 #include "device/workerthread.h"
 
-#include <QDir>
-#include <QFile>
 #include <QImage>
-#include <QLoggingCategory>
 #include <QProcess>
 #include <QSerialPort>
-#include <QTemporaryDir>
-#include <QtTest>
 
 namespace {
 
-constexpr int patienceMs = 30000;
+constexpr int patienceMs = 60000;
 
-QByteArray contents(const QString &path)
+QStringList words(const char *line)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("unreadable");
-}
-
-void writeShow()
-{
-    glow::DeviceShow show;
-    show.ledCount = 36;
-    show.ledsShown = 36;
-    show.frameRate = 100.0F;
-    show.rateShown = 100;
-    show.slot = 6;
-    glow::ShowPattern red;
-    red.endMs = 1000;
-    red.isColour = true;
-    red.colour = qRgb(255, 0, 0);
-    show.patterns << red;
-    QFile data(QStringLiteral("extemp.tmp"));
-    QFile header(QStringLiteral("extemp2.tmp"));
-    QVERIFY(data.open(QIODevice::WriteOnly) && header.open(QIODevice::WriteOnly));
-    glow::writeDeviceImage(show, data, header);
+    return QString::fromLatin1(line).split(u' ', Qt::SkipEmptyParts);
 }
 
 } // namespace
@@ -52,28 +31,29 @@ private slots:
     void init();
     void cleanup();
     void takesAnUpload();
+    void takesAnUploadFromTheCommandLine();
     void complainsAboutBrokenData();
     void misbehavesAsAsked_data();
     void misbehavesAsAsked();
-    void takesAWipe();
-    void endsWhenTold();
+    void takesAWipeUntilTold();
     void wrongUse_data();
     void wrongUse();
+    void drawsAnyShow();
 
 private:
     // Starts it and sets the variable that it prints.
-    void start(const QStringList &arguments)
+    void start(const char *arguments)
     {
-        program.start(QStringLiteral(GLOWSMITH_PROP), arguments);
+        program.start(QStringLiteral(GLOWSMITH_PROP), words(arguments));
         output.clear();
         while (!output.contains("GLOWSMITH_PORT_PATTERN=") || !output.endsWith('\n')) {
             QVERIFY(program.waitForReadyRead(patienceMs));
             output += program.readAllStandardOutput();
         }
-        const int at = output.indexOf("GLOWSMITH_PORT_PATTERN=");
-        qputenv("GLOWSMITH_PORT_PATTERN", output.mid(at + int(qstrlen("GLOWSMITH_PORT_PATTERN="))).trimmed());
+        qputenv("GLOWSMITH_PORT_PATTERN", output.mid(output.indexOf('=') + 1).trimmed());
     }
 
+    // Ends when the program has ended by itself.
     int endCode()
     {
         if (!program.waitForFinished(patienceMs) || program.exitStatus() != QProcess::NormalExit) {
@@ -83,92 +63,105 @@ private:
         return program.exitCode();
     }
 
+    // The message of an upload, "finish" for none.
+    static QString upload()
+    {
+        WorkerThread thread;
+        QString heard;
+        connect(&thread, &WorkerThread::expmess, &thread, [&heard](const QString &text) { heard = text; });
+        thread.start();
+        const bool over = thread.wait(patienceMs);
+        QCoreApplication::processEvents();
+        return over && thread.uploadOk == 1 ? QStringLiteral("finish") : heard;
+    }
+
+    QScopedPointer<DeviceWindow> on;
     QProcess program;
     QByteArray output;
-    QScopedPointer<QTemporaryDir> dir;
-    QString oldPath;
 };
 
+// A second of red in the track slot 6, converted.
 void TestPropProgram::init()
 {
-    QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
-    oldPath = QDir::currentPath();
-    dir.reset(new QTemporaryDir);
-    QVERIFY(QDir::setCurrent(dir->path()));
-    glow::deviceWaitMs = 5000;
-    writeShow();
+    on.reset(new DeviceWindow(36, 100));
+    on->add(glow::ColourPattern, 0, 1000, Qt::red);
+    on->ui->prop_track->setCurrentIndex(5);
+    on->window->buildDeviceImage();
 }
 
 void TestPropProgram::cleanup()
 {
     program.kill();
     program.waitForFinished();
-    QDir::setCurrent(oldPath);
+    on.reset();
 }
 
 void TestPropProgram::takesAnUpload()
 {
-    start({QStringLiteral("--once"), QStringLiteral("--out"), QStringLiteral("got"), QStringLiteral("--link"),
-           QStringLiteral("ports"), QStringLiteral("--number"), QStringLiteral("12")});
+    start("--once --out got --link ports --number 12");
     QVERIFY(output.startsWith("prop on /dev/"));
     QVERIFY(QFile::exists(QStringLiteral("ports/COM12")));
-    WorkerThread thread;
-    thread.start();
-    QVERIFY(thread.wait(patienceMs));
-    QCOMPARE(int(thread.uploadOk), 1);
-    QCOMPARE(thread.portIndex, 12);
+    QCOMPARE(upload(), QStringLiteral("finish"));
     QCOMPARE(endCode(), 0);
     QVERIFY2(output.contains("upload to track 6: 1 entries, 36 LEDs, 100 columns a second"), output.constData());
-    const QByteArray header = contents(QStringLiteral("extemp2.tmp"));
-    QCOMPARE(contents(QStringLiteral("got/show-1.header")), header.left(header.size() - 2));
-    QCOMPARE(contents(QStringLiteral("got/show-1.frames")), contents(QStringLiteral("extemp.tmp")));
-    const QImage picture(QStringLiteral("got/show-1.png"));
-    QVERIFY(!picture.isNull());
-    QVERIFY(qRed(picture.pixel(picture.width() / 2, 5)) > 250 && qGreen(picture.pixel(picture.width() / 2, 5)) == 0);
+    QCOMPARE(fileBytes("got/show-1.header"), fileBytes("extemp2.tmp").chopped(2));
+    QCOMPARE(fileBytes("got/show-1.frames"), fileBytes("extemp.tmp"));
+    const QColor drawn = QImage(QStringLiteral("got/show-1.png")).pixelColor(240, 5);
+    QVERIFY(drawn.red() > 250 && drawn.green() == 0);
     QVERIFY(!QFile::exists(QStringLiteral("ports/COM12")));
+}
+
+void TestPropProgram::takesAnUploadFromTheCommandLine()
+{
+    const QString path = on->env.path(QStringLiteral("show.gsw3"));
+    QCOMPARE(glow::writeWholeFile(path, glow::writeProject(on->window->asProject())).state, glow::WriteResult::Written);
+    const auto run = [](const QStringList &arguments) {
+        QProcess process;
+        process.start(QStringLiteral(GLOWSMITH_CLI), QStringList(QStringLiteral("upload")) + arguments);
+        process.waitForFinished(patienceMs);
+        return QString::number(process.exitCode()) + QStringLiteral(" ") +
+               QString::fromUtf8(process.readAllStandardOutput() + process.readAllStandardError());
+    };
+    QCOMPARE(run({path}), QStringLiteral("1 No device detect!\n"));
+    start("--once --out got --link ports");
+    qputenv("GLOWSMITH_PORT_PATTERN", "ports/COM%1"); // from the working directory
+    QVERIFY(run({path, QStringLiteral("--slot"), QStringLiteral("6")}).startsWith(QStringLiteral("0 sent 1 patterns")));
+    QCOMPARE(endCode(), 0);
+    QCOMPARE(fileBytes("got/show-1.header"), fileBytes("extemp2.tmp").chopped(2));
+    QCOMPARE(fileBytes("got/show-1.frames"), fileBytes("extemp.tmp"));
+    start("--refuse --link ports");
+    QCOMPARE(run({path, QStringLiteral("--port"), QStringLiteral("ports/COM0")}),
+             QStringLiteral("1 the prop refused the show (ERROR02)\n"));
 }
 
 void TestPropProgram::complainsAboutBrokenData()
 {
-    start({QStringLiteral("--once")});
+    start("--once");
     QFile data(QStringLiteral("extemp.tmp"));
     QVERIFY(data.open(QIODevice::ReadWrite));
     data.seek(150);
     data.write("\xFE"); // a frame ends too early
     data.close();
-    WorkerThread thread;
-    thread.start();
-    QVERIFY(thread.wait(patienceMs));
+    QCOMPARE(upload(), QStringLiteral("finish"));
     QCOMPARE(endCode(), 1);
     QVERIFY(program.readAllStandardError().contains("entry 1, frame 2 has"));
 }
 
 void TestPropProgram::misbehavesAsAsked_data()
 {
-    QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<QString>("message");
-
-    QTest::newRow("refuse") << QStringList{QStringLiteral("--refuse")} << QStringLiteral("ERROR02");
-    QTest::newRow("silent") << QStringList{QStringLiteral("--silent")} << QStringLiteral("偵測不到裝置！");
-    QTest::newRow("late") << QStringList{QStringLiteral("--delay"), QStringLiteral("3000")}
-                          << QStringLiteral("偵測不到裝置！");
-    QTest::newRow("vanish") << QStringList{QStringLiteral("--vanish"), QStringLiteral("40")} << QString();
+    QTest::newRow("--refuse") << QStringLiteral("ERROR02");
+    QTest::newRow("--silent") << QStringLiteral("偵測不到裝置！");
+    QTest::newRow("--delay 9000") << QStringLiteral("偵測不到裝置！");
+    QTest::newRow("--vanish 40") << QString();
 }
 
 void TestPropProgram::misbehavesAsAsked()
 {
-    QFETCH(QStringList, arguments);
     QFETCH(QString, message);
-    glow::deviceWaitMs = 400;
-    start(arguments);
-    WorkerThread thread;
-    QString heard;
-    connect(&thread, &WorkerThread::expmess, this, [&heard](const QString &text) { heard = text; });
-    thread.start();
-    QVERIFY(thread.wait(patienceMs));
-    QCoreApplication::processEvents();
-    QCOMPARE(heard, message);
-    QCOMPARE(int(thread.uploadOk), 0);
+    glow::deviceWaitMs = 1500;
+    start(QTest::currentDataTag());
+    QCOMPARE(upload(), message);
     if (message.isEmpty()) {
         QCOMPARE(endCode(), 1); // gone; what came so far was no whole show
     } else {
@@ -176,9 +169,9 @@ void TestPropProgram::misbehavesAsAsked()
     }
 }
 
-void TestPropProgram::takesAWipe()
+void TestPropProgram::takesAWipeUntilTold()
 {
-    start({QStringLiteral("--once")});
+    start("");
     QSerialPort port;
     int number = 0;
     glow::ScanRules rules;
@@ -186,40 +179,51 @@ void TestPropProgram::takesAWipe()
     QCOMPARE(glow::scanPorts(port, number, rules), glow::ScanResult::Found);
     QVERIFY(glow::wipeMemory(port));
     port.close();
-    QCOMPARE(endCode(), 0);
-    QVERIFY(output.endsWith("wiped\n"));
-}
-
-void TestPropProgram::endsWhenTold()
-{
-    start({});
+    while (!output.endsWith("wiped\n")) {
+        QVERIFY(program.waitForReadyRead(patienceMs));
+        output += program.readAllStandardOutput();
+    }
     program.terminate();
     QCOMPARE(endCode(), 0);
 }
 
 void TestPropProgram::wrongUse_data()
 {
-    QTest::addColumn<QStringList>("arguments");
     QTest::addColumn<int>("code");
-
-    QTest::newRow("help") << QStringList{QStringLiteral("--help")} << 0;
-    QTest::newRow("version") << QStringList{QStringLiteral("--version")} << 0;
-    QTest::newRow("unknown") << QStringList{QStringLiteral("--what")} << 2;
-    QTest::newRow("number") << QStringList{QStringLiteral("--number"), QStringLiteral("100")} << 2;
-    QTest::newRow("no number") << QStringList{QStringLiteral("--vanish"), QStringLiteral("x")} << 2;
-    QTest::newRow("operand") << QStringList{QStringLiteral("show.bin")} << 2;
-    QTest::newRow("no folder") << QStringList{QStringLiteral("--out"), QStringLiteral("extemp.tmp/x")} << 1;
+    QTest::newRow("--help") << 0;
+    QTest::newRow("--version") << 0;
+    QTest::newRow("--what") << 2;
+    QTest::newRow("--number 100") << 2;
+    QTest::newRow("--vanish x") << 2;
+    QTest::newRow("show.bin") << 2;
+    QTest::newRow("--out extemp.tmp/x") << 1;
 }
 
 void TestPropProgram::wrongUse()
 {
-    QFETCH(QStringList, arguments);
     QFETCH(int, code);
-    program.start(QStringLiteral(GLOWSMITH_PROP), arguments);
+    program.start(QStringLiteral(GLOWSMITH_PROP), words(QTest::currentDataTag()));
+    output.clear();
     QCOMPARE(endCode(), code);
-    const bool explained = !program.readAllStandardError().isEmpty();
-    QVERIFY(code == 0 ? !output.isEmpty() : explained);
+    QVERIFY(!(code == 0 ? output : program.readAllStandardError()).isEmpty());
 }
 
-QTEST_GUILESS_MAIN(TestPropProgram)
+void TestPropProgram::drawsAnyShow()
+{
+    // A damaged file can tell of any number of repeats: a million green frames two thousand million times.
+    glow::DecodedShow show;
+    show.leds = 1;
+    show.rate = 100;
+    glow::DecodedEntry entry;
+    entry.repeat = std::numeric_limits<int>::max();
+    entry.frameCount = 1 << 20;
+    entry.frames = QByteArray("\0\x56\0", 3).repeated(entry.frameCount);
+    show.entries = {entry, entry};
+    const QImage picture = glow::drawShow(show);
+    QCOMPARE(picture.width(), glow::widestShowPicture);
+    QVERIFY(picture.pixelColor(7900, 1).green() > 250); // 0x56 is full brightness
+    QVERIFY(!glow::drawShow(glow::DecodedShow()).isNull());
+}
+
+QTEST_MAIN(TestPropProgram)
 #include "test_propprogram.moc"
