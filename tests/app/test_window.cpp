@@ -208,8 +208,7 @@ void TestWindow::newStartsAfreshOrForgetsTheFile()
         window->on_actionUndo_triggered();
         QCOMPARE(window->currentTimeline->items.size(), answer == QMessageBox::Yes ? 0 : 1);
     }
-    QVERIFY(window->currentItem == nullptr);
-    QVERIFY(window->previewItem == nullptr);
+    QVERIFY(window->currentItem == nullptr && window->previewItem == nullptr);
     QVERIFY(ui->NEW_radio->isChecked());
     QCOMPARE(ui->Mode_t1->time(), QTime(0, 0));
     QCOMPARE(ui->Mode_t2->time(), QTime(0, 0, 5));
@@ -232,8 +231,7 @@ void TestWindow::deleteNeedsAnItem()
     bar->setValue(321);
     QTest::keyClick(window.data(), Qt::Key_Delete);
     QVERIFY(window->currentTimeline->items.isEmpty());
-    QVERIFY(item->isHidden());
-    QVERIFY(item->parentWidget() == nullptr);
+    QVERIFY(item->isHidden() && item->parentWidget() == nullptr);
     QVERIFY(ui->NEW_radio->isChecked());
     QCOMPARE(ui->Saved_status->text(), QString("圖樣數：0"));
     QCOMPARE(bar->value(), 321);
@@ -242,15 +240,14 @@ void TestWindow::deleteNeedsAnItem()
 void TestWindow::languageIsForTheNextStart()
 {
     DialogDriver driver;
-    driver.answerBox(QMessageBox::Ok);
-    ui->actionEnglish->trigger();
-    QCOMPARE(driver.boxes().last().text, QString("Change after restart."));
-    QCOMPARE(env->value("main/language").toInt(), 2);
-    driver.answerBox(QMessageBox::Ok);
-    ui->actionChinese->trigger();
-    QCOMPARE(driver.boxes().last().text, QString("重啟程式後生效"));
-    QCOMPARE(env->value("main/language").toInt(), 1);
-    QVERIFY(driver.done());
+    for (QAction *action : {ui->actionEnglish, ui->actionChinese}) {
+        const bool english = action == ui->actionEnglish;
+        driver.answerBox(QMessageBox::Ok);
+        action->trigger();
+        QCOMPARE(driver.boxes().last().text, QString(english ? "Change after restart." : "重啟程式後生效"));
+        QCOMPARE(env->value("main/language").toInt(), english ? 2 : 1);
+        QVERIFY(driver.done());
+    }
 }
 
 void TestWindow::firstDroppedFileCounts()

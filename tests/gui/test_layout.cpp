@@ -39,13 +39,10 @@ class TestLayout : public QObject
 private slots:
     void init();
     void cleanup();
-    void labelsStandInTheirRows_data();
     void labelsStandInTheirRows();
     void labelsStayWhenTheWaveformIsSqueezed();
-    void nothingIsCutOff_data();
     void nothingIsCutOff();
     void everyControlHasAName();
-    void tabFollowsTheEye_data();
     void tabFollowsTheEye();
     void spacePlays();
 
@@ -114,35 +111,31 @@ QString TestLayout::misplacedRow() const
     return QString();
 }
 
-void TestLayout::labelsStandInTheirRows_data()
-{
-    QTest::addColumn<QSize>("size");
-    QTest::addColumn<int>("tracks");
-    QTest::newRow("smallest, many") << QSize(1000, 720) << 9;
-    QTest::newRow("usual") << QSize(1300, 885) << 3;
-    QTest::newRow("large, many") << QSize(1500, 1150) << 12;
-}
-
 void TestLayout::labelsStandInTheirRows()
 {
-    QFETCH(QSize, size);
-    QFETCH(int, tracks);
-    build(size);
-    QTRY_COMPARE(misplacedRow(), QString());
-    while (window->timelines.size() < tracks)
-        window->on_timeline_add_clicked();
-    QTRY_COMPARE(misplacedRow(), QString());
-    QScrollBar *bar = ui->timeline_vertical_scrollbar;
-    for (const int value : {bar->maximum(), bar->maximum() / 2, 7}) {
-        bar->setValue(value);
+    const struct
+    {
+        QSize size;
+        int tracks;
+    } windows[] = {{QSize(1000, 720), 9}, {QSize(1300, 885), 3}, {QSize(1500, 1150), 12}};
+    for (const auto &[size, tracks] : windows) {
+        build(size);
+        QTRY_COMPARE(misplacedRow(), QString());
+        while (window->timelines.size() < tracks)
+            window->on_timeline_add_clicked();
+        QTRY_COMPARE(misplacedRow(), QString());
+        QScrollBar *bar = ui->timeline_vertical_scrollbar;
+        for (const int value : {bar->maximum(), bar->maximum() / 2, 7}) {
+            bar->setValue(value);
+            QTRY_COMPARE(misplacedRow(), QString());
+        }
+        for (const int dy : {-30, 20, 500}) {
+            dragWaveform(dy);
+            QTRY_COMPARE(misplacedRow(), QString());
+        }
+        window->resize(1200, 900);
         QTRY_COMPARE(misplacedRow(), QString());
     }
-    for (const int dy : {-30, 20, 500}) {
-        dragWaveform(dy);
-        QTRY_COMPARE(misplacedRow(), QString());
-    }
-    window->resize(1200, 900);
-    QTRY_COMPARE(misplacedRow(), QString());
 }
 
 // A large waveform has to give way when the pane becomes low, without anybody moving the handle.
@@ -180,31 +173,23 @@ QString TestLayout::cutOff() const
     return QString();
 }
 
-void TestLayout::nothingIsCutOff_data()
-{
-    QTest::addColumn<bool>("english");
-    QTest::addColumn<QSize>("size");
-    QTest::newRow("Chinese, smallest") << false << QSize(1000, 720);
-    QTest::newRow("English, smallest") << true << QSize(1000, 720);
-    QTest::newRow("English, usual") << true << QSize(1300, 885);
-}
-
 void TestLayout::nothingIsCutOff()
 {
-    QFETCH(bool, english);
-    QFETCH(QSize, size);
     QTranslator translator;
-    if (english) {
-        QVERIFY(translator.load(":/language/language/english.qm"));
-        QVERIFY(QCoreApplication::installTranslator(&translator));
+    QVERIFY(translator.load(":/language/language/english.qm"));
+    for (const QString menu : {"檔案", "File"}) {
+        if (menu == "File")
+            QVERIFY(QCoreApplication::installTranslator(&translator));
+        for (const QSize size : {QSize(1000, 720), QSize(1300, 885)}) {
+            build(size);
+            QCOMPARE(ui->menu->title(), menu);
+            for (int tab = 0; tab < ui->Mode_Pic->count(); ++tab) {
+                ui->Mode_Pic->setCurrentIndex(tab);
+                QTRY_COMPARE(cutOff(), QString());
+            }
+            QCOMPARE(window->size(), size);
+        }
     }
-    build(size);
-    QCOMPARE(ui->menu->title(), QString(english ? "File" : "檔案"));
-    for (int tab = 0; tab < ui->Mode_Pic->count(); ++tab) {
-        ui->Mode_Pic->setCurrentIndex(tab);
-        QTRY_COMPARE(cutOff(), QString());
-    }
-    QCOMPARE(window->size(), size);
 }
 
 // A screen reader has to have something to say.
@@ -238,49 +223,42 @@ bool TestLayout::followsTheEye(const QWidget *first, const QWidget *second) cons
     return first->isAncestorOf(second) || (sameRow && two.left() > one.right()) || two.top() > one.center().y();
 }
 
-void TestLayout::tabFollowsTheEye_data()
-{
-    QTest::addColumn<int>("page");
-    for (int page = 0; page < 4; ++page)
-        QTest::addRow("page %d", page) << page;
-}
-
 void TestLayout::tabFollowsTheEye()
 {
-    QFETCH(int, page);
     build(QSize(1300, 885));
     QVERIFY(ui->dockWidget_3->isAncestorOf(window->focusWidget())); // a fresh window starts at the left
     window->on_timeline_add_clicked();
     window->on_action_LED_M_triggered(); // the two numbers of the prop can be typed
     ui->radio_speed_m->setChecked(true);
-    ui->Mode_Pic->setCurrentIndex(page);
-    ui->Add_Button->setEnabled(true);
     ui->Ex_Button->setEnabled(true);
     QTRY_COMPARE(misplacedRow(), QString());
-
-    QList<QWidget *> stops{ui->FPS_V};
-    ui->FPS_V->setFocus();
-    for (int i = 0; i < 200; ++i) {
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
-        QWidget *focus = QApplication::focusWidget();
-        QVERIFY(focus != nullptr);
-        if (focus == stops.first())
-            break;
-        if (focus != stops.last()) // a time field has three stops
-            stops << focus;
-    }
-    int crossings = 0;
-    for (int i = 1; i < stops.size(); ++i) {
-        const bool sameSide =
-            ui->dockWidget_3->isAncestorOf(stops.at(i - 1)) == ui->dockWidget_3->isAncestorOf(stops.at(i));
-        crossings += sameSide ? 0 : 1;
-        QVERIFY2(!sameSide || followsTheEye(stops.at(i - 1), stops.at(i)),
-                 qPrintable(stops.at(i - 1)->objectName() + " before " + stops.at(i)->objectName()));
-    }
-    QCOMPARE(crossings, 1);
-    for (QWidget *widget : window->findChildren<QWidget *>()) {
-        if (takesTab(widget) && !isPart(widget) && widget->focusProxy() == nullptr)
-            QVERIFY2(stops.contains(widget), qPrintable(widget->objectName()));
+    for (int page = 0; page < 4; ++page) {
+        ui->Mode_Pic->setCurrentIndex(page);
+        ui->Add_Button->setEnabled(true);
+        QList<QWidget *> stops{ui->FPS_V};
+        ui->FPS_V->setFocus();
+        for (int i = 0; i < 200; ++i) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+            QWidget *focus = QApplication::focusWidget();
+            QVERIFY(focus != nullptr);
+            if (focus == stops.first())
+                break;
+            if (focus != stops.last()) // a time field has three stops
+                stops << focus;
+        }
+        int crossings = 0;
+        for (int i = 1; i < stops.size(); ++i) {
+            const QWidget *one = stops.at(i - 1);
+            const QWidget *two = stops.at(i);
+            const bool sameSide = ui->dockWidget_3->isAncestorOf(one) == ui->dockWidget_3->isAncestorOf(two);
+            crossings += sameSide ? 0 : 1;
+            QVERIFY2(!sameSide || followsTheEye(one, two), qPrintable(one->objectName() + " > " + two->objectName()));
+        }
+        QCOMPARE(crossings, 1);
+        for (QWidget *widget : window->findChildren<QWidget *>()) {
+            if (takesTab(widget) && !isPart(widget) && widget->focusProxy() == nullptr)
+                QVERIFY2(stops.contains(widget), qPrintable(widget->objectName()));
+        }
     }
 }
 
