@@ -161,7 +161,7 @@ public slots:
     void on_tlDuplicated_clicked(Timeline *t);
     void on_timelineItem_Clicked(TimelineItem *item, bool moved);
     void on_timeline_dragIn(Timeline *t);
-    void on_timelineItem_dragEnd(QByteArray orig, TimelineItem *item, Timeline *orig_tl);
+    void on_timelineItem_dragEnd(const QByteArray &orig, TimelineItem *item, Timeline *orig_tl);
     void on_itemCopy_clicked();
     void on_itemPaste_clicked();
     void on_actionCopy_triggered();

@@ -161,7 +161,7 @@ void MainWindow::on_timeline_dragIn(Timeline *t)
     bar->setValue(scrolled);
 }
 
-void MainWindow::on_timelineItem_dragEnd(QByteArray orig, TimelineItem *item, Timeline *orig_tl)
+void MainWindow::on_timelineItem_dragEnd(const QByteArray &orig, TimelineItem *item, Timeline *orig_tl)
 {
     Q_UNUSED(orig)
     Q_UNUSED(orig_tl)

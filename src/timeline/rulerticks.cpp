@@ -66,13 +66,18 @@ QVector<Tick> TickPositions::between(float from, float end)
     const auto above = std::upper_bound(sums.constBegin(), sums.constEnd(), from);
     const int block = std::max(0, int(std::distance(sums.constBegin(), above)) - 1);
     int index = block * stride;
-    for (float x = sums.at(block); x < end; x += step, ++index) {
+    // The accumulated sum is what places the ticks, its rounding included.
+    float x = sums.at(block);
+    while (x < end) {
         if (x >= from) {
             ticks.append({index, x});
         }
-        if (!(x + step > x)) {
+        const float next = x + step;
+        if (!(next > x)) {
             break;
         }
+        x = next;
+        ++index;
     }
     return ticks;
 }

@@ -211,7 +211,7 @@ void Timeline::on_itemPaste_clicked()
     emit itemDragEnd(QByteArray(), item, nullptr);
 }
 
-void Timeline::on_itemDragEnd(QByteArray orig, TimelineItem *item, QWidget *orig_parent)
+void Timeline::on_itemDragEnd(const QByteArray &orig, TimelineItem *item, QWidget *orig_parent)
 {
     qDebug() << item << dragItem << "drag end";
     sortItems();

@@ -65,7 +65,7 @@ public slots:
     void addTimelineItem(TimelineItem *item);
     void on_itemPaste_clicked();
     // The collision pass: the item that moved wins, what it touches is trimmed, removed or split.
-    void on_itemDragEnd(QByteArray orig, TimelineItem *item, QWidget *orig_parent = nullptr);
+    void on_itemDragEnd(const QByteArray &orig, TimelineItem *item, QWidget *orig_parent = nullptr);
 
     // A drag of one of this track's items starts here or comes back: it takes the end of the list, and with that the
     // priority in sortItems.

@@ -47,7 +47,8 @@ float msPerPixelOfSlider(int value)
     if (value == 0) {
         return msPerPixel;
     }
-    return static_cast<float>(640000 / (value * value)) / 10.0F;
+    const int tenths = 640000 / (value * value);
+    return static_cast<float>(tenths) / 10.0F;
 }
 
 int minimumItemWidth()
