@@ -2,6 +2,7 @@
 
 #include "preview/rasterops.h"
 
+#include <QFileInfo>
 #include <QImageReader>
 #include <QString>
 
@@ -50,6 +51,10 @@ int columnsWithGap(int columns, int gap)
 
 PictureResult loadPicture(const QString &path, const PictureOptions &options)
 {
+    // A pipe would be waited for, and a device has no end.
+    if (!QFileInfo(path).isFile()) {
+        return {};
+    }
     QImageReader reader(path);
     const QSize size = reader.size();
     if (qint64(size.width()) * size.height() > mostFilePixels) {

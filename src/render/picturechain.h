@@ -32,7 +32,7 @@ struct PictureResult
 };
 
 // Reads a file and brings it to LED height and then to pictureRows, so that the result shows the blocks that the prop
-// will. A file that cannot be decoded, or no LEDs, give an empty result.
+// will. What is no regular file or cannot be decoded, and no LEDs, give an empty result.
 PictureResult loadPicture(const QString &path, const PictureOptions &options);
 
 // The same from an image.
