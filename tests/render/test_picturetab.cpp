@@ -24,7 +24,6 @@ private slots:
     void init();
     void cleanup();
     void oneFileIsLoadedAndNotAdded();
-    void storeStaysOnePictureBehind();
     void severalFilesAreAddedAtOnce();
     void gapAndFlips();
     void repeatCountFollowsSilently();
@@ -103,29 +102,19 @@ void TestPictureTab::oneFileIsLoadedAndNotAdded()
     const QList<QGraphicsItem *> items = ui->PicView->scene()->items();
     QCOMPARE(items.size(), 1);
     QCOMPARE(qgraphicsitem_cast<QGraphicsPixmapItem *>(items.first())->pixmap().toImage(), picture());
-    // A cancelled choice leaves all as it was.
+    // A cancelled choice and a file that does not exist leave all as it was. The store stays one picture behind.
     const qint64 shown = window->picturePixmap.cacheKey();
     driver.answerFile({});
     window->on_Pic_Loads_clicked();
     QVERIFY(driver.done());
+    window->picload(env->path(QStringLiteral("none.png")));
     QCOMPARE(window->picturePixmap.cacheKey(), shown);
     QCOMPARE(window->picPath, path);
-}
-
-void TestPictureTab::storeStaysOnePictureBehind()
-{
-    const QString key = QStringLiteral("main/currentpicpath");
-    const QString first = file(QStringLiteral("1.png"));
-    const QString second = file(QStringLiteral("2.png"));
-    const QString before = window->picPath;
-    window->picload(first);
-    QCOMPARE(env->value(key).toString(), before);
-    window->picload(second);
-    QCOMPARE(env->value(key).toString(), first);
-    window->picload(env->path(QStringLiteral("none.png"))); // no such file: nothing at all
-    QCOMPARE(window->picPath, second);
-    QCOMPARE(ui->PicDir->text(), second);
-    QCOMPARE(env->value(key).toString(), first);
+    QCOMPARE(ui->PicDir->text(), path);
+    QCOMPARE(env->value(QStringLiteral("main/currentpicpath")).toString(),
+             QDir::homePath() + QStringLiteral("/Pictures"));
+    window->picload(file(QStringLiteral("b.png")));
+    QCOMPARE(env->value(QStringLiteral("main/currentpicpath")).toString(), path);
 }
 
 void TestPictureTab::severalFilesAreAddedAtOnce()
@@ -166,7 +155,6 @@ void TestPictureTab::gapAndFlips()
     ui->Pic_Slide->setValue(100);
     QCOMPARE(window->picturePixmap.size(), QSize(800, 200));
     QCOMPARE(picture().copy(0, 0, 400, 200), whole);
-    QCOMPARE(picture().pixel(799, 100), qRgb(0, 0, 0));
     QCOMPARE(ui->GLWidget->patternImage.pixel(ui->GLWidget->columnCount * 9 / 10, 3), qRgb(0, 0, 0));
     // Read anew, the picture has its gap and the width is that of the picture alone.
     window->picload(window->picPath);

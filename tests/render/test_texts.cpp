@@ -44,8 +44,7 @@ class TestTexts : public QObject
 
 private slots:
     void sizes();
-    void oneLineFillsTheBox();
-    void otherSizes();
+    void boxAndText();
     void flips();
     void richTextIsReadAsSuch();
     void longTextsStayBounded();
@@ -85,7 +84,7 @@ void TestTexts::sizes()
     }
 }
 
-void TestTexts::oneLineFillsTheBox()
+void TestTexts::boxAndText()
 {
     const TextResult empty = glow::renderText(text(QString()));
     QCOMPARE(empty.image.size(), QSize(50, metrics().height()));
@@ -103,14 +102,11 @@ void TestTexts::oneLineFillsTheBox()
         solid += image.pixel(x, ink.center().y()) == fore.rgb() ? 1 : 0;
     }
     QVERIFY(solid > 100); // the fore colour itself, not only blends of the edges
-}
 
-void TestTexts::otherSizes()
-{
     const QImage small = glow::renderText(text(QString(16, QLatin1Char('I')), 0, 20)).image;
     QCOMPARE(small.height(), metrics().height() * 10);
-    const QRect ink = inked(small);
-    QVERIFY(!ink.isEmpty() && ink.top() < small.height() / 10);
+    const QRect top = inked(small);
+    QVERIFY(!top.isEmpty() && top.top() < small.height() / 10);
     // A wider box has more space on the right, the text stays as it was.
     const int advance = metrics().horizontalAdvance(QStringLiteral("HH"));
     const QImage wide = glow::renderText(text(QStringLiteral("HH"), 9, 15)).image;
