@@ -90,6 +90,8 @@ MainWindow::MainWindow(QWidget *parent)
     chartView->setAccessibleName(tr("波形"));
     chartView->setFocusPolicy(Qt::NoFocus);
     ui->audio_frame->installEventFilter(this);
+    ui->Song_play->installEventFilter(this);
+    ui->Song_play_2->installEventFilter(this);
     chartView->hide();
     chipGroup->addAction(ui->actionCX2802);
     chipGroup->addAction(ui->actionAPA102C);

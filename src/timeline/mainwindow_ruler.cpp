@@ -72,11 +72,17 @@ void MainWindow::on_timeline_splitter_splitterMoved(int pos, int index)
     chartView->resizeToWave();
 }
 
-// The handle is not the only one to resize the waveform: a low window squeezes it, and then no splitterMoved tells.
 bool MainWindow::eventFilter(QObject *watched, QEvent *event)
 {
+    // The handle is not the only one to resize the waveform: a low window squeezes it, and then no splitterMoved tells.
     if (watched == ui->audio_frame && event->type() == QEvent::Resize) {
         on_timeline_splitter_splitterMoved(ui->timeline_splitter->sizes().constFirst(), 1);
+    }
+    // A button and an action hold the space bar. Qt calls such a key ambiguous, tells one of the two and leaves the
+    // show as it is; whichever it tells, the show plays.
+    if (event->type() == QEvent::Shortcut && (watched == ui->Song_play || watched == ui->Song_play_2)) {
+        on_Song_play_clicked();
+        return true;
     }
     return QMainWindow::eventFilter(watched, event);
 }
