@@ -2,6 +2,7 @@
 
 #include "timeline/timescale.h"
 
+#include <QDebug>
 #include <QPainter>
 #include <QPen>
 
@@ -219,6 +220,7 @@ void PropSimulator::setSpinSpeed(int speed)
     }
     spinSpeed = speed;
     if (speed == 0) {
+        qDebug() << "draw static";
         QPainter painter(&discImage);
         painter.setPen(Qt::NoPen);
         const int width = columns();
