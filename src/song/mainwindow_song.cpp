@@ -176,14 +176,14 @@ void MainWindow::decodeFailed()
 
 void MainWindow::decoder_PositionChanged(qlonglong ms)
 {
-    if (!isStaleDecode(sender()) && decoding) {
+    if (!isStaleDecode(sender()) && decodeProgress != nullptr) {
         decodeProgress->setValue(glow::wavePointsOfTime(ms));
     }
 }
 
 void MainWindow::durationChanged(qlonglong t)
 {
-    if (!isStaleDecode(sender()) && decoding) {
+    if (!isStaleDecode(sender()) && decodeProgress != nullptr) {
         decodeProgress->setMaximum(glow::wavePointsOfTime(t));
     }
 }
@@ -231,11 +231,15 @@ void MainWindow::takeAudioBuffer()
 
 void MainWindow::audioPlotting()
 {
-    if (isStaleDecode(sender()) || waveSeries == nullptr) {
+    if (isStaleDecode(sender()) || audioDecoder == nullptr) {
         return;
     }
+    const bool reading = decoding;
     while (decoding && audioDecoder->bufferAvailable()) {
         takeAudioBuffer();
+    }
+    if (reading && !decoding) {
+        return; // the last buffers could not be read
     }
     decoding = false;
 
@@ -273,6 +277,9 @@ void MainWindow::audioPlotting()
     player->play();
     player->stop();
     player->pause();
+    // The player is the clock from here on. One that ran in silence would fight it, and no button would reach it.
+    ui->Song_time->clockTimer->stop();
+    stateChanged(player->state());
     updateStatus();
 }
 
