@@ -82,42 +82,24 @@ class TestWaveform : public QObject
 private slots:
     void cleanup() { msPerPixel = 10.0F; }
 
-    void timesInPoints()
+    void arithmetic()
     {
         QCOMPARE(glow::wavePointRate(), 480);
         QCOMPARE(glow::wavePointsOfTime(2083), 999); // 999.84
         QCOMPARE(glow::wavePointsOfTime(300000), 144000);
-        QCOMPARE(glow::wavePointsOfTime(1), 0);
         QCOMPARE(glow::wavePointsOfTime(-1), 0); // what an unknown duration becomes
         QCOMPARE(glow::timeOfWavePoints(144000), qint64(300000));
-    }
-
-    void widthFollowsTheZoom_data()
-    {
-        QTest::addColumn<int>("points");
-        QTest::addColumn<double>("zoom");
-        QTest::addColumn<int>("width");
-        QTest::newRow("five minutes") << 144001 << 10.0 << 30000;
-        QTest::newRow("five minutes, closest") << 144001 << 2.5 << 120000;
-        QTest::newRow("five minutes, widest") << 144001 << 40.0 << 7500;
-        QTest::newRow("cut, not rounded") << 7 << 10.0 << 1;
-        QTest::newRow("less than a pixel") << 2 << 40.0 << 0;
-    }
-    void widthFollowsTheZoom()
-    {
-        QFETCH(int, points);
-        QFETCH(double, zoom);
-        msPerPixel = static_cast<float>(zoom);
-        QTEST(glow::waveWidth(points), "width");
-    }
-
-    void heightsOnARootScale()
-    {
-        QCOMPARE(glow::waveHeight(0), 0.0);
-        QCOMPARE(glow::waveHeight(32767), 1.0);
-        QCOMPARE(glow::waveHeight(-32767), -1.0);
         QCOMPARE(glow::waveHeight(8192), std::sqrt(8192 / 32767.0));
+        QCOMPARE(glow::waveHeight(-32767), -1.0);
         QVERIFY(glow::waveHeight(-32768) < -1.0 && glow::waveHeight(-32768) > -1.0001);
+        // Five minutes at the zooms; cut and not rounded; less than a pixel.
+        QCOMPARE(glow::waveWidth(144001), 30000);
+        QCOMPARE(glow::waveWidth(7), 1);
+        msPerPixel = 2.5F;
+        QCOMPARE(glow::waveWidth(144001), 120000);
+        msPerPixel = 40.0F;
+        QCOMPARE(glow::waveWidth(144001), 7500);
+        QCOMPARE(glow::waveWidth(2), 0);
     }
 
     void aBufferEndsOnePointBeforeItsPosition()
@@ -157,36 +139,30 @@ private slots:
     }
 
     // Against the line walked in steps far finer than a column.
-    void columnsHoldTheLine_data()
-    {
-        QTest::addColumn<double>("columnsPerPoint");
-        QTest::newRow("several columns a point") << 3.7;
-        QTest::newRow("closest zoom") << 1 / 1.2;
-        QTest::newRow("widest zoom") << 1 / 19.2;
-    }
     void columnsHoldTheLine()
     {
-        QFETCH(double, columnsPerPoint);
         const QList<QPointF> points = randomWave(2400, 7);
-        const int width = static_cast<int>(points.last().x() * columnsPerPoint) + 1;
-        QVector<QPair<double, double>> reference(width, {2.0, -2.0});
-        for (int i = 1; i < points.size(); ++i) {
-            for (int step = 0; step <= 500; ++step) {
-                const QPointF at = points.at(i - 1) + (points.at(i) - points.at(i - 1)) * (step / 500.0);
-                const double x = at.x() * columnsPerPoint;
-                if (x >= 0 && x < width) {
-                    QPair<double, double> &span = reference[static_cast<int>(x)];
-                    span = {qMin(span.first, at.y()), qMax(span.second, at.y())};
+        for (const double columnsPerPoint : {3.7, 1 / 1.2, 1 / 19.2}) { // far in, the closest zoom, the widest
+            const int width = static_cast<int>(points.last().x() * columnsPerPoint) + 1;
+            QVector<QPair<double, double>> reference(width, {2.0, -2.0});
+            for (int i = 1; i < points.size(); ++i) {
+                for (int step = 0; step <= 500; ++step) {
+                    const QPointF at = points.at(i - 1) + (points.at(i) - points.at(i - 1)) * (step / 500.0);
+                    const double x = at.x() * columnsPerPoint;
+                    if (x >= 0 && x < width) {
+                        QPair<double, double> &span = reference[static_cast<int>(x)];
+                        span = {qMin(span.first, at.y()), qMax(span.second, at.y())};
+                    }
                 }
             }
-        }
-        glow::WaveColumns columns;
-        columns.build(points, columnsPerPoint, width);
-        QCOMPARE(columns.spans.size(), width);
-        for (int x = 0; x < width; ++x) {
-            const QString where = QStringLiteral("column %1").arg(x);
-            QVERIFY2(qAbs(columns.spans.at(x).low - reference.at(x).first) < 0.01, qPrintable(where));
-            QVERIFY2(qAbs(columns.spans.at(x).high - reference.at(x).second) < 0.01, qPrintable(where));
+            glow::WaveColumns columns;
+            columns.build(points, columnsPerPoint, width);
+            QCOMPARE(columns.spans.size(), width);
+            for (int x = 0; x < width; ++x) {
+                QVERIFY2(qAbs(columns.spans.at(x).low - reference.at(x).first) < 0.01 &&
+                             qAbs(columns.spans.at(x).high - reference.at(x).second) < 0.01,
+                         qPrintable(QStringLiteral("column %1").arg(x)));
+            }
         }
     }
 
@@ -205,34 +181,25 @@ private slots:
         QCOMPARE(columns.spans.at(3).high, 0.25F);
     }
 
-    void loudPeaksAreClippedAtTheEdge()
+    void aSilentSongIsALineInTheMiddle()
     {
         glow::WaveColumns columns;
-        columns.build({{0.5, 1.0}, {0.5, 0}, {1.5, 0}, {1.5, 0.4}, {2.5, 0.4}, {2.5, -0.9}}, 1, 5);
+        columns.build({{0, 0}, {3, 0}}, 1, 5);
         QImage image(5, 100, QImage::Format_RGB32);
         image.fill(Qt::white);
         QPainter painter(&image);
-        glow::drawWave(painter, image.rect(), columns, 100, 0.8, waveColor);
-        QCOMPARE(rowsOf(image, 0).first, 0);
-        QVERIFY(qAbs(rowsOf(image, 0).second - 50) <= 1);
-        QVERIFY(qAbs(rowsOf(image, 1).first - 25) <= 1); // 0.4 is half of 0.8
-        QCOMPARE(rowsOf(image, 2).second, 99);
-        QCOMPARE(rowsOf(image, 3).first, -1); // nothing behind the last point
-        QCOMPARE(image.pixelColor(0, 10), waveColor);
-
-        // A silent song has no scale: its line stands in the middle.
-        image.fill(Qt::white);
-        glow::drawWave(painter, image.rect(), columns, 100, 0, waveColor);
+        glow::drawWave(painter, image.rect(), columns, 100, 0, waveColor); // it has no scale
         QVERIFY(rowsOf(image, 0).first >= 49 && rowsOf(image, 0).second <= 50);
+        QCOMPARE(rowsOf(image, 4).first, -1); // nothing behind the last point
     }
 
     // What the view paints is what the chart itself would.
     void theViewLooksLikeItsChart_data()
     {
         QTest::addColumn<double>("zoom");
-        QTest::newRow("40") << 40.0;
-        QTest::newRow("80") << 10.0;
-        QTest::newRow("160") << 2.5;
+        for (const double zoom : {40.0, 10.0, 2.5}) {
+            QTest::addRow("%g ms a pixel", zoom) << zoom;
+        }
     }
     void theViewLooksLikeItsChart()
     {
@@ -275,6 +242,22 @@ private slots:
 
         QVERIFY2(extendsNoFurther(painted, drawn), "the view paints what the chart does not");
         QVERIFY2(extendsNoFurther(drawn, painted), "the view leaves out what the chart paints");
+
+        // Ten minutes in, a spike still stands under its second.
+        view.wavePoints.clear();
+        for (int x = 0; x <= 288000; ++x) {
+            view.wavePoints.append(QPointF(x, x == 287520 ? 1 : 0));
+        }
+        view.resizeToWave();
+        const int place = static_cast<int>(599000 / zoom);
+        const QImage strip = view.grab(QRect(place - 20, 5, 41, 1)).toImage();
+        QVector<int> lit;
+        for (int column = 0; column < strip.width(); ++column) {
+            if (qRed(strip.pixel(column, 0)) < 190) {
+                lit.append(column - 20);
+            }
+        }
+        QVERIFY(!lit.isEmpty() && lit.first() >= -1 && lit.last() <= 1);
     }
 
     void theViewLeavesTheMouseToOthers()
