@@ -41,6 +41,7 @@ void ChartView::resizeEvent(QResizeEvent *e)
 {
     // The chart keeps the size that it had: laying out a song's points anew takes far longer than a frame, and the view
     // paints them without it.
+    // NOLINTNEXTLINE(bugprone-parent-virtual-call)
     QGraphicsView::resizeEvent(e);
 }
 

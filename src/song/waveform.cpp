@@ -60,7 +60,7 @@ struct Stroke
 
 QRgb shadeOf(const QColor &color, float coverage)
 {
-    const auto alpha = static_cast<int>(static_cast<float>(color.alpha()) * coverage + 0.5F);
+    const auto alpha = static_cast<int>(std::lround(static_cast<float>(color.alpha()) * coverage));
     return qPremultiply(qRgba(color.red(), color.green(), color.blue(), alpha));
 }
 
