@@ -98,12 +98,6 @@ DeviceShow tinyShow(const QVector<ShowPattern> &patterns = {})
     return show;
 }
 
-// The show of the formats' documentation: a red colour, then a white picture.
-DeviceShow workedExample()
-{
-    return tinyShow({colourAt(1000, 1480), pictureAt(1580, 2380, 1, plain(qRgb(255, 255, 255)))});
-}
-
 } // namespace
 
 class TestImage : public QObject
@@ -112,14 +106,11 @@ class TestImage : public QObject
 
 private slots:
     void initTestCase() { QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false")); }
-    void workedShow();
-    void entries_data();
     void entries();
     void brightness();
     void headerFields();
     void foreignValues();
     void driftBeyondPrecision();
-    void scaledLikeQt_data();
     void scaledLikeQt();
     void tooMuchData();
     void devicesAndProgress();
@@ -127,93 +118,59 @@ private slots:
     void damagedImages();
 };
 
-void TestImage::workedShow()
-{
-    DeviceShow show = workedExample();
-    const Image image = imageOf(show);
-    const QByteArray header = QByteArray::fromHex("01FFFE0203 000000023130 FF 34FF32FF31FF 00000006 303030303000");
-    const QByteArray black(6, '\0');
-    const QByteArray red = QByteArray::fromHex("560000560000");
-    const QByteArray white(6, '\x56');
-    const QByteArray data = '\xFF' + (black + '\xFE').repeated(2) + black + '\xFF' + red + '\xFE' + red + '\xFF' +
-                            (white + '\xFE').repeated(6) + white + '\xFF';
-    QCOMPARE(data.size(), 85);
-    QCOMPARE(image.header, header);
-    QCOMPARE(image.data, data);
-    QCOMPARE(image.bin.size(), 4 + 2 + 4 + 28 + 260);
-    QCOMPARE(image.bin.left(37), QByteArray::fromHex("00000002 0100 0000001C") + header.mid(1));
-    QCOMPARE(image.bin.mid(38, 4 + 85), QByteArray::fromHex("00000100") + data);
-    show.loop = true;
-    QCOMPARE(imageOf(show).data, data + QByteArray::fromHex("FE 00000006 303030303000"));
-    QCOMPARE(imageOf(show).header, header);
-}
-
 // A track written as kind (c or p), start-end and x with the repeats; entries as repeats:frames.
-void TestImage::entries_data()
-{
-    QTest::addColumn<int>("leds");
-    QTest::addColumn<int>("rate");
-    QTest::addColumn<int>("mark");
-    QTest::addColumn<QString>("track");
-    QTest::addColumn<QString>("expected");
-    struct Row
-    {
-        const char *name;
-        int leds, rate, mark;
-        const char *track, *expected;
-    };
-    for (const Row &row : {
-             Row{"240 ms before are lost", 2, 1000, 0, "c240-720", "2:240"},
-             {"241 are not", 2, 1000, 0, "c241-721", "1:241 2:240"},
-             {"479 are one block", 2, 1000, 0, "c479-959", "1:479 2:240"},
-             {"480 are two", 2, 1000, 0, "c480-960", "2:240 2:240"},
-             {"240 ms from the mark", 2, 1000, 760, "c1000-1480", "2:240"},
-             {"241 ms from the mark", 2, 1000, 759, "c1000-1480", "1:241 2:240"},
-             {"before the mark", 2, 1000, 5000, "c1000-1480", "2:240"},
-             // 20 frames of the short colour are paid back by the picture; of the gaps only that of 250 ms stays.
-             {"gaps and a short colour", 2, 100, 0, "c0-200 p440-1440 c1690-2170", "0:0 1:120 1:25 2:24"},
-             {"ends before it starts", 2, 100, 0, "c1000-520", "4:25 -2:24"},
-             {"colours pay nothing back", 2, 100, 0, "c0-199 c199-398 c398-638", "0:0 0:0 1:24"},
-             // 0.01 frames are raised to 1, and the 0.99 too many taken back at once.
-             {"corrected to nothing", 2, 10, 0, "p0-1 c1-481", "1:0 2:2"},
-             {"narrow: nothing divides 1", 36, 10, 0, "p0-300x1", "1:3"},
-             {"narrow: one prime only", 36, 10, 0, "p0-4200x14", "7:6"},
-             {"narrow: 13 is tried", 36, 10, 0, "p0-3900x13", "1:39"},
-             {"narrow: 17 is 9, then 3 divides", 36, 10, 0, "p0-5100x17", "3:18"},
-             {"narrow: 17 is 9, wide enough", 36, 10, 0, "p0-68000x17", "9:80"},
-             {"narrow: 101 is 51, then 3 divides", 120, 10, 0, "p0-10100x101", "17:6"},
-             {"71 is below 72", 36, 10, 0, "p0-42600x6", "3:142"},
-             {"72 is wide enough", 36, 10, 0, "p0-43200x6", "6:72"},
-         }) {
-        QTest::newRow(row.name) << row.leds << row.rate << row.mark << row.track << row.expected;
-    }
-}
-
 void TestImage::entries()
 {
-    QFETCH(int, leds);
-    QFETCH(int, rate);
-    QFETCH(int, mark);
-    QFETCH(QString, track);
-    QFETCH(QString, expected);
-    DeviceShow show = tinyShow();
-    show.ledCount = leds;
-    show.frameRate = float(rate);
-    show.startMarkMs = mark;
-    for (const QString &word : track.split(u' ')) {
-        const QStringList parts = word.mid(1).split(QRegularExpression(QStringLiteral("[-x]")));
-        const int start = parts.at(0).toInt();
-        const int end = parts.at(1).toInt();
-        show.patterns << (word.startsWith(u'c') ? colourAt(start, end)
-                                                : pictureAt(start, end, parts.value(2, "1").toInt(), gradient(9, 85)));
+    const struct
+    {
+        const char *name;
+        int leds;
+        int rate;
+        int mark;
+        const char *track;
+        const char *expected;
+    } rows[] = {
+        {"240 ms before are lost", 2, 1000, 0, "c240-720", "2:240"},
+        {"241 are not", 2, 1000, 0, "c241-721", "1:241 2:240"},
+        {"479 are one block", 2, 1000, 0, "c479-959", "1:479 2:240"},
+        {"480 are two", 2, 1000, 0, "c480-960", "2:240 2:240"},
+        {"240 ms from the mark", 2, 1000, 760, "c1000-1480", "2:240"},
+        {"241 ms from the mark", 2, 1000, 759, "c1000-1480", "1:241 2:240"},
+        {"before the mark", 2, 1000, 5000, "c1000-1480", "2:240"},
+        // 20 frames of the short colour are paid back by the picture; of the gaps only that of 250 ms stays.
+        {"gaps and a short colour", 2, 100, 0, "c0-200 p440-1440 c1690-2170", "0:0 1:120 1:25 2:24"},
+        {"ends before it starts", 2, 100, 0, "c1000-520", "4:25 -2:24"},
+        {"colours pay nothing back", 2, 100, 0, "c0-199 c199-398 c398-638", "0:0 0:0 1:24"},
+        // 0.01 frames are raised to 1, and the 0.99 too many taken back at once.
+        {"corrected to nothing", 2, 10, 0, "p0-1 c1-481", "1:0 2:2"},
+        {"narrow: nothing divides 1", 36, 10, 0, "p0-300x1", "1:3"},
+        {"narrow: one prime only", 36, 10, 0, "p0-4200x14", "7:6"},
+        {"narrow: 13 is tried", 36, 10, 0, "p0-3900x13", "1:39"},
+        {"narrow: 17 is 9, then 3 divides", 36, 10, 0, "p0-5100x17", "3:18"},
+        {"narrow: 17 is 9, wide enough", 36, 10, 0, "p0-68000x17", "9:80"},
+        {"narrow: 101 is 51, then 3 divides", 120, 10, 0, "p0-10100x101", "17:6"},
+        {"71 is below 72", 36, 10, 0, "p0-42600x6", "3:142"},
+        {"72 is wide enough", 36, 10, 0, "p0-43200x6", "6:72"},
+    };
+    for (const auto &row : rows) {
+        DeviceShow show = tinyShow();
+        show.ledCount = row.leds;
+        show.frameRate = float(row.rate);
+        show.startMarkMs = row.mark;
+        for (const QString &word : QString::fromLatin1(row.track).split(u' ')) {
+            const QStringList parts = word.mid(1).split(QRegularExpression(QStringLiteral("[-x]")));
+            const int start = parts.at(0).toInt();
+            const int end = parts.at(1).toInt();
+            show.patterns << (word.startsWith(u'c')
+                                  ? colourAt(start, end)
+                                  : pictureAt(start, end, parts.value(2, "1").toInt(), gradient(9, 85)));
+        }
+        QString found = QString::fromLatin1(row.name) + u':';
+        for (const PlainEntry &entry : imageOf(show).decoded().entries) {
+            found += QStringLiteral(" %1:%2").arg(entry.repeat).arg(entry.frames.size());
+        }
+        QCOMPARE(found, QStringLiteral("%1: %2").arg(row.name, row.expected));
     }
-    const PlainShow decoded = imageOf(show).decoded();
-    QVERIFY(decoded.ok);
-    QStringList found;
-    for (const PlainEntry &entry : decoded.entries) {
-        found << QStringLiteral("%1:%2").arg(entry.repeat).arg(entry.frames.size());
-    }
-    QCOMPARE(found.join(u' '), expected);
 }
 
 void TestImage::brightness()
@@ -285,38 +242,29 @@ void TestImage::driftBeyondPrecision()
     QVERIFY2(clock.elapsed() < 30000, "the correction should give up where it has no effect");
 }
 
-void TestImage::scaledLikeQt_data()
-{
-    QTest::addColumn<QSize>("from");
-    QTest::addColumn<QSize>("to");
-    const QPair<QSize, QSize> sizes[] = {
-        {{170, 85}, {3150, 80}},  {{1000, 85}, {333, 36}}, {{170, 85}, {32767, 3}},  // the widest that Qt scales
-        {{40, 36}, {40, 36}},     {{40, 85}, {40, 120}},   {{3, 85}, {3 * 511, 36}}, // where Qt takes another road
-        {{3, 85}, {3 * 512, 36}}, {{7, 85}, {4901, 36}},   {{20, 1}, {33, 600}},     {{1, 1}, {1000, 999}}};
-    for (const auto &size : sizes) {
-        QTest::addRow("%dx%d to %dx%d", size.first.width(), size.first.height(), size.second.width(),
-                      size.second.height())
-            << size.first << size.second;
-    }
-}
-
 void TestImage::scaledLikeQt()
 {
-    QFETCH(QSize, from);
-    QFETCH(QSize, to);
-    for (const auto format : {QImage::Format_RGB32, QImage::Format_ARGB32_Premultiplied, QImage::Format_ARGB32,
-                              QImage::Format_Grayscale8}) {
-        const QImage picture = gradient(from.width(), from.height(), format);
-        const QImage scaled = picture.scaled(to, Qt::IgnoreAspectRatio, Qt::FastTransformation);
-        DeviceShow show = tinyShow({pictureAt(0, to.width(), 1, picture)});
-        show.ledCount = to.height();
-        show.frameRate = 1000.0F;
-        const QList<QByteArray> frames = imageOf(show).decoded().entries.at(0).frames;
-        QCOMPARE(frames.size(), to.width());
-        for (int x = 0; x < to.width(); ++x) {
-            for (int y = 0; y < to.height(); ++y) {
-                const int green = scaled.pixelColor(x, y).green();
-                QCOMPARE(int(uchar(frames.at(x).at((to.height() - 1 - y) * 3 + 1))), green * green / 750);
+    const QPair<QSize, QSize> sizes[] = {
+        {{170, 85}, {3150, 80}},  {{1000, 85}, {333, 36}}, {{170, 85}, {32767, 3}}, // the widest that Qt scales
+        {{40, 36}, {40, 36}},     {{40, 85}, {40, 120}},   {{3, 85}, {3 * 511, 36}},
+        {{3, 85}, {3 * 512, 36}}, // where Qt takes another road
+        {{7, 85}, {4901, 36}},    {{20, 1}, {33, 600}},    {{1, 1}, {1000, 999}}};
+    for (const auto &size : sizes) {
+        const QSize to = size.second;
+        for (const auto format : {QImage::Format_RGB32, QImage::Format_ARGB32_Premultiplied, QImage::Format_ARGB32,
+                                  QImage::Format_Grayscale8}) {
+            const QImage picture = gradient(size.first.width(), size.first.height(), format);
+            const QImage scaled = picture.scaled(to, Qt::IgnoreAspectRatio, Qt::FastTransformation);
+            DeviceShow show = tinyShow({pictureAt(0, to.width(), 1, picture)});
+            show.ledCount = to.height();
+            show.frameRate = 1000.0F;
+            const QList<QByteArray> frames = imageOf(show).decoded().entries.at(0).frames;
+            QCOMPARE(frames.size(), to.width());
+            for (int x = 0; x < to.width(); ++x) {
+                for (int y = 0; y < to.height(); ++y) {
+                    const int green = scaled.pixelColor(x, y).green();
+                    QCOMPARE(int(uchar(frames.at(x).at((to.height() - 1 - y) * 3 + 1))), green * green / 750);
+                }
             }
         }
     }
@@ -428,7 +376,7 @@ void TestImage::randomShows()
 
 void TestImage::damagedImages()
 {
-    DeviceShow show = workedExample();
+    DeviceShow show = tinyShow({colourAt(1000, 1480), pictureAt(1580, 2380, 1, gradient(9, 85))});
     show.loop = true;
     const Image image = imageOf(show);
     const auto faults = [](const QByteArray &header, const QByteArray &data) {

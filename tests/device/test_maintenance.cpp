@@ -85,7 +85,6 @@ private slots:
     void wipeTranscript();
     void wipeRounds();
     void earlyChatterIsNoAnswer();
-    void wipeInTheWindow_data();
     void wipeInTheWindow();
     void wipeTimesOut();
     void lockStaysShut();
@@ -164,55 +163,43 @@ void TestMaintenance::earlyChatterIsNoAnswer()
     QVERIFY(prop.waitFor([](const QVector<PropSession> &all) { return all.last().received == "DD"; }));
 }
 
-void TestMaintenance::wipeInTheWindow_data()
+void TestMaintenance::wipeInTheWindow()
 {
-    QTest::addColumn<int>("number"); // of the port; -1: none
-    QTest::addColumn<QByteArray>("greeting");
-    QTest::addColumn<QByteArray>("later"); // said after 100 ms
-    QTest::addColumn<int>("vanishAfter");
-    QTest::addColumn<QString>("text");
-
     const QString done = QStringLiteral("記憶體清除完成");
     const QString none = QStringLiteral("偵測不到裝置！");
     const QString late = QStringLiteral("清除記憶體逾時");
-    QTest::newRow("no port") << -1 << QByteArray() << QByteArray() << -1 << none;
-    QTest::newRow("behind a silent port") << 7 << QByteArray("Wait") << QByteArray() << -1 << done;
-    QTest::newRow("something else first") << 7 << QByteArray("Hello") << QByteArray("now Wait") << -1 << done;
-    QTest::newRow("lower case only") << 7 << QByteArray("wait") << QByteArray() << -1 << none;
-    QTest::newRow("last port silent") << 99 << QByteArray() << QByteArray() << -1 << late;
-    QTest::newRow("vanishes") << 7 << QByteArray("Wait") << QByteArray() << 2 << late;
-}
-
-void TestMaintenance::wipeInTheWindow()
-{
-    QFETCH(int, number);
-    QFETCH(QByteArray, greeting);
-    QFETCH(QByteArray, later);
-    QFETCH(int, vanishAfter);
-    QFETCH(QString, text);
-    DeviceWindow on;
-    glow::deviceWaitMs = 800;
-    PropBehaviour behaviour;
-    behaviour.greeting = greeting;
-    if (!later.isEmpty()) {
-        behaviour.chatter = {{100, later}};
-    }
-    behaviour.vanishAfter = vanishAfter;
-    SimulatedProp silent(silentProp());
-    SimulatedProp prop(behaviour);
-    if (number >= 0) {
-        QVERIFY(silent.start(on.port(2)) && prop.start(on.port(number)));
-    }
-    DialogDriver driver;
-    driver.answerBox(QMessageBox::Ok);
-    on.ui->actionFormat->trigger();
-    QVERIFY(driver.done());
-    QCOMPARE(driver.boxes().at(0).title, QString());
-    QCOMPARE(driver.boxes().at(0).text, text);
-    if (number >= 0) {
-        QVERIFY(prop.waitFor(portClosed) && silent.waitFor(portClosed));
-        QVERIFY(silent.sessions().last().received.isEmpty());
-        QCOMPARE(prop.sessions().last().received, greeting + later == "Wait" || !later.isEmpty() ? "DD" : "");
+    const struct
+    {
+        int number; // of the port, with a silent one before it; -1: neither
+        QByteArray greeting;
+        QByteArray later; // said soon after
+        int vanishAfter;
+        QByteArray received;
+        QString text;
+    } rows[] = {
+        {-1, "", "", -1, "", none},    {7, "Wait", "", -1, "DD", done}, {7, "Hello", "now Wait", -1, "DD", done},
+        {7, "wait", "", -1, "", none}, {99, "", "", -1, "", late},      {7, "Wait", "", 2, "DD", late}};
+    for (const auto &row : rows) {
+        DeviceWindow on;
+        glow::deviceWaitMs = 800;
+        PropBehaviour behaviour;
+        behaviour.greeting = row.greeting;
+        behaviour.chatter = {{100, row.later}};
+        behaviour.vanishAfter = row.vanishAfter;
+        SimulatedProp silent(silentProp());
+        SimulatedProp prop(behaviour);
+        QVERIFY(row.number < 0 || (silent.start(on.port(2)) && prop.start(on.port(row.number))));
+        DialogDriver driver;
+        driver.answerBox(QMessageBox::Ok);
+        on.ui->actionFormat->trigger();
+        QVERIFY(driver.done());
+        QCOMPARE(driver.boxes().at(0).title, QString());
+        QCOMPARE(driver.boxes().at(0).text, row.text);
+        if (row.number >= 0) {
+            QVERIFY(prop.waitFor(portClosed) && silent.waitFor(portClosed));
+            QVERIFY(silent.sessions().last().received.isEmpty());
+            QCOMPARE(prop.sessions().last().received, row.received);
+        }
     }
 }
 

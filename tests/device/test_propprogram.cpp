@@ -33,10 +33,8 @@ private slots:
     void takesAnUpload();
     void takesAnUploadFromTheCommandLine();
     void complainsAboutBrokenData();
-    void misbehavesAsAsked_data();
     void misbehavesAsAsked();
     void takesAWipeUntilTold();
-    void wrongUse_data();
     void wrongUse();
     void drawsAnyShow();
 
@@ -147,25 +145,23 @@ void TestPropProgram::complainsAboutBrokenData()
     QVERIFY(program.readAllStandardError().contains("entry 1, frame 2 has"));
 }
 
-void TestPropProgram::misbehavesAsAsked_data()
-{
-    QTest::addColumn<QString>("message");
-    QTest::newRow("--refuse") << QStringLiteral("ERROR02");
-    QTest::newRow("--silent") << QStringLiteral("偵測不到裝置！");
-    QTest::newRow("--delay 9000") << QStringLiteral("偵測不到裝置！");
-    QTest::newRow("--vanish 40") << QString();
-}
-
 void TestPropProgram::misbehavesAsAsked()
 {
-    QFETCH(QString, message);
-    glow::deviceWaitMs = 1500;
-    start(QTest::currentDataTag());
-    QCOMPARE(upload(), message);
-    if (message.isEmpty()) {
-        QCOMPARE(endCode(), 1); // gone; what came so far was no whole show
-    } else {
-        QCOMPARE(program.state(), QProcess::Running);
+    const QString none = QStringLiteral("偵測不到裝置！");
+    const QPair<const char *, QString> rows[] = {{"--refuse", QStringLiteral("ERROR02")},
+                                                 {"--silent", none},
+                                                 {"--delay 9000", none},
+                                                 {"--vanish 40", QString()}};
+    for (const auto &row : rows) {
+        glow::deviceWaitMs = 1500;
+        start(row.first);
+        QCOMPARE(upload(), row.second);
+        if (row.second.isEmpty()) {
+            QCOMPARE(endCode(), 1); // gone; what came so far was no whole show
+        } else {
+            program.terminate();
+            QCOMPARE(endCode(), 0);
+        }
     }
 }
 
@@ -187,25 +183,17 @@ void TestPropProgram::takesAWipeUntilTold()
     QCOMPARE(endCode(), 0);
 }
 
-void TestPropProgram::wrongUse_data()
-{
-    QTest::addColumn<int>("code");
-    QTest::newRow("--help") << 0;
-    QTest::newRow("--version") << 0;
-    QTest::newRow("--what") << 2;
-    QTest::newRow("--number 100") << 2;
-    QTest::newRow("--vanish x") << 2;
-    QTest::newRow("show.bin") << 2;
-    QTest::newRow("--out extemp.tmp/x") << 1;
-}
-
 void TestPropProgram::wrongUse()
 {
-    QFETCH(int, code);
-    program.start(QStringLiteral(GLOWSMITH_PROP), words(QTest::currentDataTag()));
-    output.clear();
-    QCOMPARE(endCode(), code);
-    QVERIFY(!(code == 0 ? output : program.readAllStandardError()).isEmpty());
+    const QPair<const char *, int> rows[] = {
+        {"--help", 0},   {"--version", 0},         {"--what", 2}, {"--number 100", 2}, {"--vanish x", 2},
+        {"show.bin", 2}, {"--out extemp.tmp/x", 1}};
+    for (const auto &row : rows) {
+        program.start(QStringLiteral(GLOWSMITH_PROP), words(row.first));
+        output.clear();
+        QCOMPARE(endCode(), row.second);
+        QVERIFY(!(row.second == 0 ? output : program.readAllStandardError()).isEmpty());
+    }
 }
 
 void TestPropProgram::drawsAnyShow()

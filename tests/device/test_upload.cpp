@@ -86,12 +86,10 @@ private slots:
     void portNames();
     void transcript();
     void pieces();
-    void replies_data();
     void replies();
     void laterPort();
     void lastPortSilent();
     void noFiles();
-    void vanishes_data();
     void vanishes();
     void earlyClosingReply();
     void cancelHoldsThePort();
@@ -190,34 +188,25 @@ void TestUpload::pieces()
     }
 }
 
-void TestUpload::replies_data()
-{
-    QTest::addColumn<QByteArray>("reply");
-    QTest::addColumn<QString>("word");
-    const QString refused = QStringLiteral("ERROR02 terminated");
-    QTest::newRow("ERR") << QByteArray("ERR") << refused;
-    QTest::newRow("inside a word") << QByteArray("no\r\nTERRIBLE") << refused;
-    QTest::newRow("behind a zero byte") << QByteArray("\0ERR", 4) << refused;
-    QTest::newRow("lower case") << QByteArray("err") << finished;
-    QTest::newRow("no text") << QByteArray("\xFF\xFE\x80") << finished;
-    QTest::newRow("none") << QByteArray() << QStringLiteral("ERROR01 terminated");
-}
-
 void TestUpload::replies()
 {
-    QFETCH(QByteArray, reply);
-    QFETCH(QString, word);
-    glow::deviceWaitMs = reply.isEmpty() ? 1000 : 5000;
-    writeShow(1);
-    PropBehaviour behaviour;
-    behaviour.reply = reply;
-    SimulatedProp prop(behaviour);
-    QVERIFY(prop.start(on->port(0)));
-    Upload upload;
-    QCOMPARE(upload.run(), word);
-    QVERIFY(prop.waitFor(portClosed));
-    QCOMPARE(prop.sessions().last().received, word == finished ? wholeUpload() : QByteArray("\3"));
-    QCOMPARE(upload.steps.isEmpty(), word != finished);
+    const QString refused = QStringLiteral("ERROR02 terminated");
+    const QPair<QByteArray, QString> rows[] = {
+        {"ERR", refused},  {"no\r\nTERRIBLE", refused}, {QByteArray("\0ERR", 4), refused},
+        {"err", finished}, {"\xFF\xFE\x80", finished},  {"", QStringLiteral("ERROR01 terminated")}};
+    for (const auto &row : rows) {
+        glow::deviceWaitMs = row.first.isEmpty() ? 1000 : 5000;
+        writeShow(1);
+        PropBehaviour behaviour;
+        behaviour.reply = row.first;
+        SimulatedProp prop(behaviour);
+        QVERIFY(prop.start(on->port(0)));
+        Upload upload;
+        QCOMPARE(upload.run(), row.second);
+        QVERIFY(prop.waitFor(portClosed));
+        QCOMPARE(prop.sessions().last().received, row.second == finished ? wholeUpload() : QByteArray("\3"));
+        QCOMPARE(upload.steps.isEmpty(), row.second != finished);
+    }
 }
 
 void TestUpload::laterPort()
@@ -281,27 +270,16 @@ void TestUpload::noFiles()
     QVERIFY(prop.sessions().last().received.isEmpty());
 }
 
-void TestUpload::vanishes_data()
-{
-    QTest::addColumn<int>("after");
-    QTest::addColumn<QString>("word");
-    QTest::newRow("at the track byte") << 1 << QStringLiteral("ERROR01 terminated");
-    QTest::newRow("in the header") << 10 << QStringLiteral("terminated");
-    QTest::newRow("in the data") << 20000 << QStringLiteral("terminated");
-}
-
 void TestUpload::vanishes()
 {
-    QFETCH(int, after);
-    QFETCH(QString, word);
     writeShow(10);
-    PropBehaviour behaviour;
-    behaviour.vanishAfter = after;
-    {
+    for (const int after : {1, 10, 20000}) { // at the track byte, in the header, in the data
+        PropBehaviour behaviour;
+        behaviour.vanishAfter = after;
         SimulatedProp prop(behaviour);
         QVERIFY(prop.start(on->port(0)));
         Upload upload;
-        QCOMPARE(upload.run(), word);
+        QCOMPARE(upload.run(), after == 1 ? QStringLiteral("ERROR01 terminated") : QStringLiteral("terminated"));
     }
     SimulatedProp prop; // it comes back, and the next upload works
     QVERIFY(prop.start(on->port(0)));
