@@ -177,7 +177,7 @@ public slots:
 
     // song/mainwindow_song.cpp: loading a song
     void on_SongRead_Button_clicked();
-    void ReadSong(QString path);
+    void ReadSong(const QString &path);
     void readAudioBuffer();
     void audioPlotting();
     void decoder_PositionChanged(qlonglong ms);

@@ -33,7 +33,7 @@ namespace {
 // of a busy event loop for each four would make a song last many seconds, so a turn reads for this long, and while it
 // does it waits a little for a decoder that has fallen behind. The rest of a turn is a repaint of the window, which can
 // take as long; the two together stay short for whoever reaches for the cancel button.
-constexpr int readSliceMs = 16;
+constexpr int readSliceMs = 20;
 constexpr int readPatienceUs = 1000;
 constexpr int readNapUs = 50;
 
@@ -88,7 +88,7 @@ void MainWindow::on_SongRead_Button_clicked()
     }
 }
 
-void MainWindow::ReadSong(QString path)
+void MainWindow::ReadSong(const QString &path)
 {
     ui->Song_dir->setText(path.mid(path.lastIndexOf(u'/') + 1));
 
