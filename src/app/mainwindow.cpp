@@ -196,8 +196,10 @@ void MainWindow::closeEvent(QCloseEvent *event)
     if (answer == QMessageBox::Save) {
         on_actionSave_triggered();
         event->accept();
-        // A save that failed, or that found no name, leaves the show to the next start.
-        if (recovery != nullptr && !recovery->hasUnsaved()) {
+        // A save that failed, or that found no name, leaves the show to the next start, its last seconds included.
+        if (recovery != nullptr && recovery->hasUnsaved()) {
+            recovery->keep();
+        } else if (recovery != nullptr) {
             recovery->discard();
         }
     } else if (answer == QMessageBox::No) {

@@ -91,9 +91,12 @@ Recovery::~Recovery()
 void Recovery::restore(const glow::UnsavedShow &show)
 {
     window->restoreShow(show);
+    safe = glow::Project(); // no file holds this show, even if it is empty
     keep();
     waitForWriting();
-    store->forgetLeftover();
+    if (QFile::exists(store->path())) {
+        store->forgetLeftover();
+    }
 }
 
 void Recovery::showIsSafe()

@@ -21,7 +21,8 @@ public:
     Recovery(MainWindow *window, std::unique_ptr<glow::RecoveryStore> store);
     ~Recovery() override;
 
-    // Opens what an earlier run left, and makes it this run's own before the earlier copy goes.
+    // Opens what an earlier run left, and makes it this run's own before the earlier copy goes. Where that fails, as on
+    // a full disk, the earlier copy stays until the show is saved.
     void restore(const glow::UnsavedShow &show);
 
     // The show as it stands is saved, or is what was opened, or new: there is nothing to keep.

@@ -31,6 +31,16 @@ std::unique_ptr<QLockFile> tryLock(const QString &path)
     return lock->tryLock(0) ? std::move(lock) : nullptr;
 }
 
+// A program that went down in the middle of writing leaves what it had as "unsaved-0.show.XXXXXX".
+void removeScraps(const QString &path)
+{
+    const QFileInfo info(path);
+    const QFileInfoList scraps = info.dir().entryInfoList({info.fileName() + QStringLiteral(".??????")}, QDir::Files);
+    for (const QFileInfo &scrap : scraps) {
+        QFile::remove(scrap.filePath());
+    }
+}
+
 } // namespace
 
 QByteArray writeUnsaved(const UnsavedShow &show)
@@ -69,6 +79,7 @@ RecoveryStore::RecoveryStore(const QString &dataFolder)
         lock = tryLock(candidate);
         if (lock != nullptr) {
             own = candidate;
+            removeScraps(own);
         }
     }
 }
@@ -116,6 +127,7 @@ void RecoveryStore::remove()
     if (!own.isEmpty()) {
         QFile::remove(own);
     }
+    forgetLeftover();
 }
 
 } // namespace glow

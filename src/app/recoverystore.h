@@ -41,7 +41,7 @@ public:
 
     // The path that this program writes to; empty if no place could be had.
     QString path() const { return own; }
-    // Removes what this program wrote.
+    // Removes what this program wrote, and a leftover that it has not forgotten yet.
     void remove();
 
 private:

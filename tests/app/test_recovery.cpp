@@ -1,7 +1,9 @@
 // The copy of an unsaved show: when it is kept, when it goes, and what a next start finds.
 #include "app/mainwindow.h"
 #include "app/recovery.h"
+#include "smalldisk.h"
 #include "support/dialogdriver.h"
+#include "support/samples.h"
 #include "support/testenv.h"
 #include "support/windowcheck.h"
 #include "timeline/timeline.h"
@@ -9,7 +11,6 @@
 #include "timeline/timescale.h"
 #include "ui_mainwindow.h"
 
-#include <QDir>
 #include <QtTest>
 
 class TestRecovery : public QObject
@@ -22,18 +23,17 @@ private slots:
     void formRefusesAnythingButAWholeFile();
     void livingProgramsAreLeftAlone();
     void changeIsKeptAndSavingRemovesIt();
-    void changesWithoutASnapshotAreKept();
+    void leftoverComesBackAsItWas_data();
     void leftoverComesBackAsItWas();
-    void failedSaveAtTheEndKeepsTheShow();
-    void decliningAtTheEndRemovesIt();
+    void closingDecides();
 
 private:
     void build();
     void addColour();
-    QString folder() const { return env->path(QStringLiteral("data")); }
-    QStringList keptFiles() const { return QDir(folder()).entryList({QStringLiteral("*.show")}, QDir::Files); }
-    // What remains of a run that was killed: the file without its program.
-    void killRun();
+    int keptFiles() const { return QDir(folder()).entryList({"*.show"}, QDir::Files).size(); }
+    // Has the window looked at now, and tells how many shows lie in the folder then.
+    int kept();
+    QString folder() const { return env->path("data"); }
 
     QScopedPointer<TestEnv> env;
     QScopedPointer<MainWindow> window;
@@ -54,9 +54,12 @@ void TestRecovery::cleanup()
 
 void TestRecovery::build()
 {
+    window.reset();
     window.reset(new MainWindow);
     window->recovery = new Recovery(window.data(), std::make_unique<glow::RecoveryStore>(folder()));
     window->recovery->timer.stop();
+    window->currentFile = env->path("mine.gsw3");
+    window->hasFile = true;
 }
 
 void TestRecovery::addColour()
@@ -65,143 +68,133 @@ void TestRecovery::addColour()
     window->on_Add_Button_clicked();
 }
 
-void TestRecovery::killRun()
+int TestRecovery::kept()
 {
     window->recovery->keep();
     window->recovery->waitForWriting();
-    const QString file = QDir(folder()).filePath(keptFiles().value(0));
-    QVERIFY(QFile::copy(file, env->path(QStringLiteral("survivor"))));
-    window.reset();
-    QFile::remove(file);
-    QVERIFY(QFile::copy(env->path(QStringLiteral("survivor")), file));
+    return keptFiles();
 }
 
 void TestRecovery::formRefusesAnythingButAWholeFile()
 {
-    glow::UnsavedShow show{QByteArray("project bytes"), QStringLiteral("/a/b.gsw3"), true};
+    const glow::UnsavedShow show{"project bytes", "/a/b.gsw3", true};
     const QByteArray bytes = glow::writeUnsaved(show);
     glow::UnsavedShow back;
     QVERIFY(glow::readUnsaved(bytes, back));
-    QCOMPARE(back.project, show.project);
-    QCOMPARE(back.file, show.file);
-    QVERIFY(back.hasFile);
-    for (int length = 0; length < bytes.size(); ++length) {
-        QVERIFY(!glow::readUnsaved(bytes.left(length), back));
-    }
+    QVERIFY(back.project == show.project && back.file == show.file && back.hasFile);
     for (int i = 0; i < bytes.size(); ++i) {
+        QVERIFY(!glow::readUnsaved(bytes.left(i), back));
         QByteArray wrong = bytes;
         wrong[i] = char(wrong.at(i) ^ 0x55);
-        glow::readUnsaved(wrong, back); // file and flag are not under the sum; nothing else gets by
+        // File and flag are not under the sum; nothing else gets by.
+        QVERIFY(!glow::readUnsaved(wrong, back) || back.project == show.project);
     }
-    QByteArray changed = bytes;
-    changed[bytes.indexOf("project")] = 'P';
-    QVERIFY(!glow::readUnsaved(changed, back));
 }
 
 void TestRecovery::livingProgramsAreLeftAlone()
 {
     addColour();
-    window->recovery->keep();
-    window->recovery->waitForWriting();
-    QCOMPARE(keptFiles().size(), 1);
+    QCOMPARE(kept(), 1);
+    const QString scrap = folder() + "/unsaved-1.show.a1B2c3"; // of a program that went down while it wrote
+    QVERIFY(put(scrap));
     glow::RecoveryStore second(folder());
+    QVERIFY(!QFile::exists(scrap));
     glow::UnsavedShow show;
     QVERIFY(!second.findLeftover(show));
-    QVERIFY(!second.path().isEmpty());
-    QVERIFY(!QFile::exists(second.path()));
+    QCOMPARE(second.path(), folder() + "/unsaved-1.show");
+    QCOMPARE(keptFiles(), 1);
 }
 
 void TestRecovery::changeIsKeptAndSavingRemovesIt()
 {
-    window->recovery->keep();
-    QVERIFY(keptFiles().isEmpty()); // nothing changed yet
+    QCOMPARE(kept(), 0); // nothing changed yet
     addColour();
     QVERIFY(window->recovery->hasUnsaved());
-    window->recovery->keep();
-    window->recovery->waitForWriting();
-    QCOMPARE(keptFiles().size(), 1);
-
-    window->currentFile = env->path(QStringLiteral("show.gsw3"));
-    window->hasFile = true;
+    QCOMPARE(kept(), 1);
     window->on_actionSave_triggered();
-    QVERIFY(keptFiles().isEmpty());
+    QCOMPARE(keptFiles(), 0);
     QVERIFY(!window->recovery->hasUnsaved());
-    window->recovery->keep();
-    window->recovery->waitForWriting();
-    QVERIFY(keptFiles().isEmpty());
+    QCOMPARE(kept(), 0);
+    // The item's own menu takes no snapshot; its change is kept all the same.
+    window->currentTimeline->items.first()->on_itemDelete_clicked();
+    QCOMPARE(kept(), 1);
 }
 
-void TestRecovery::changesWithoutASnapshotAreKept()
+void TestRecovery::leftoverComesBackAsItWas_data()
 {
-    addColour();
-    addColour();
-    window->currentFile = env->path(QStringLiteral("show.gsw3"));
-    window->hasFile = true;
-    window->on_actionSave_triggered();
-    // The item's own menu takes no snapshot.
-    window->currentTimeline->items.first()->on_itemDelete_clicked();
-    window->recovery->keep();
-    window->recovery->waitForWriting();
-    QCOMPARE(keptFiles().size(), 1);
+    QTest::addColumn<bool>("empty");
+    QTest::addColumn<bool>("fullDisk");
+    QTest::newRow("a show") << false << false;
+    QTest::newRow("a show that was emptied") << true << false;
+#ifdef Q_OS_UNIX
+    QTest::newRow("on a full disk") << false << true;
+#endif
 }
 
 void TestRecovery::leftoverComesBackAsItWas()
 {
+    QFETCH(const bool, empty);
+    QFETCH(const bool, fullDisk);
     addColour();
-    window->on_timeline_add_clicked();
-    addColour();
-    const QString path = env->path(QStringLiteral("mine.gsw3"));
-    QFile user(path);
-    QVERIFY(user.open(QIODevice::WriteOnly));
-    user.write("the user's own");
-    user.close();
-    window->currentFile = path;
-    window->hasFile = true;
+    QVERIFY(put(window->currentFile, "the user's own"));
+    if (empty) {
+        window->recovery->showIsSafe();
+        window->currentTimeline->items.first()->on_itemDelete_clicked();
+    } else {
+        window->on_timeline_add_clicked();
+        addColour();
+    }
     const glow::Project before = window->asProject();
-    killRun();
+    QCOMPARE(kept(), 1);
+    // What remains of a run that was killed: the file without its program.
+    const QString file = folder() + "/unsaved-0.show";
+    const QByteArray survivor = contentOf(file);
+    window.reset();
+    QVERIFY(put(file, survivor));
 
     auto store = std::make_unique<glow::RecoveryStore>(folder());
     glow::UnsavedShow show;
     QVERIFY(store->findLeftover(show));
     window.reset(new MainWindow);
     window->recovery = new Recovery(window.data(), std::move(store));
-    window->recovery->restore(show);
+    window->recovery->timer.stop();
+    {
+#ifdef Q_OS_UNIX
+        const SmallDisk disk(fullDisk ? 100 : RLIM_INFINITY);
+#endif
+        window->recovery->restore(show);
+    }
     QCOMPARE(window->asProject().tracks, before.tracks);
-    QCOMPARE(window->currentFile, path);
+    QCOMPARE(window->currentFile, env->path("mine.gsw3"));
     QVERIFY(window->hasFile);
-    QCOMPARE(window->windowTitle(), QStringLiteral("Glowsmith - mine.gsw3 *"));
+    QCOMPARE(window->windowTitle(), QString("Glowsmith - mine.gsw3 *"));
     QVERIFY(window->recovery->hasUnsaved());
-    QCOMPARE(keptFiles().size(), 1); // this run's own copy
+    QCOMPARE(keptFiles(), 1); // this run's own copy, or still the earlier one
+    QCOMPARE(QFile::exists(file), fullDisk);
     QCOMPARE(whatIsWrong(*window), QString());
-    QVERIFY(user.open(QIODevice::ReadOnly));
-    QCOMPARE(user.readAll(), QByteArray("the user's own"));
+    QCOMPARE(contentOf(window->currentFile), QByteArray("the user's own"));
+    window->on_actionSave_triggered();
+    QCOMPARE(keptFiles(), 0);
 }
 
-void TestRecovery::failedSaveAtTheEndKeepsTheShow()
+void TestRecovery::closingDecides()
 {
-    addColour();
-    window->recovery->keep();
-    window->recovery->waitForWriting();
-    DialogDriver driver;
-    driver.answerBox(QMessageBox::Save);
-    driver.answerFile({}); // no name given
-    window->show();
-    QVERIFY(window->close());
-    QVERIFY(driver.done());
-    QCOMPARE(keptFiles().size(), 1);
-}
-
-void TestRecovery::decliningAtTheEndRemovesIt()
-{
-    addColour();
-    window->recovery->keep();
-    window->recovery->waitForWriting();
-    DialogDriver driver;
-    driver.answerBox(QMessageBox::No);
-    window->show();
-    QVERIFY(window->close());
-    QVERIFY(driver.done());
-    QVERIFY(keptFiles().isEmpty());
+    for (const bool save : {true, false}) {
+        build();
+        addColour();
+        window->hasFile = false;
+        DialogDriver driver;
+        driver.answerBox(save ? QMessageBox::Save : QMessageBox::No);
+        if (save) {
+            driver.answerFile({}); // no name given: the show is not saved, and what nobody has looked at yet is kept
+        }
+        window->show();
+        QVERIFY(window->close());
+        QVERIFY(driver.done());
+        window->recovery->waitForWriting();
+        QCOMPARE(keptFiles(), save ? 1 : 0);
+        window->recovery->discard();
+    }
 }
 
 QTEST_MAIN(TestRecovery)
