@@ -88,7 +88,11 @@ bool readWholeFile(const QString &path, QByteArray &bytes)
     if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
         return false;
     }
-    bytes = file.readAll();
+    const QByteArray content = file.readAll();
+    if (content.size() < file.size()) {
+        return false;
+    }
+    bytes = content;
     return true;
 }
 
