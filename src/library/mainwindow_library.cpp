@@ -9,7 +9,6 @@
 #include "ui_about.h"
 
 #include <QDebug>
-#include <QFile>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
@@ -99,9 +98,7 @@ void MainWindow::on_actionSQL_triggered()
     }
     for (const TimelineItem *item : allItems(*this)) {
         if (glow::namesPicture(item->settingsText)) {
-            const QString source = glow::parseSettings(item->settingsText).picturePath();
-            // A file that is there already stays: the first of two pictures with one name wins.
-            QFile::copy(source, directory + QLatin1Char('/') + glow::pictureName(source));
+            glow::copyPicture(glow::parseSettings(item->settingsText).picturePath(), directory);
         }
     }
     QMessageBox::about(this, QString(), tr("圖庫匯出完成"));

@@ -4,6 +4,7 @@
 
 #include <QDirIterator>
 #include <QFile>
+#include <QFileInfo>
 
 namespace glow {
 
@@ -50,6 +51,11 @@ QString findPicture(const QString &directory, const QString &name)
         }
     }
     return {};
+}
+
+bool copyPicture(const QString &path, const QString &directory)
+{
+    return QFileInfo(path).isFile() && QFile::copy(path, directory + u'/' + pictureName(path));
 }
 
 } // namespace glow

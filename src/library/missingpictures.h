@@ -23,4 +23,8 @@ QString lostPictureName(const QString &settingsText);
 // "data.png.bak". An empty name is found nowhere.
 QString findPicture(const QString &directory, const QString &name);
 
+// Copies a picture into a folder under its own name. False if it is lost or no regular file (the copy of a device would
+// have no end), or if a file of that name is there already: the first of two pictures with one name stays.
+bool copyPicture(const QString &path, const QString &directory);
+
 } // namespace glow

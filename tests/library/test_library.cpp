@@ -1,22 +1,10 @@
 // Finding lost pictures in folders, and reading the update server's answer.
 #include "library/missingpictures.h"
 #include "library/updatereply.h"
+#include "support/samples.h"
 
-#include <QDir>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QtTest>
-
-namespace {
-
-void touch(const QString &path)
-{
-    QVERIFY(QDir().mkpath(QFileInfo(path).path()));
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-}
-
-} // namespace
 
 class TestLibrary : public QObject
 {
@@ -32,47 +20,42 @@ private slots:
 void TestLibrary::knowsLostPictures()
 {
     const QTemporaryDir dir;
-    const QString here = dir.filePath(QStringLiteral("here.png"));
-    touch(here);
-    const auto picture = [](const QString &path) { return QStringLiteral("0?1?%1?100|0|1").arg(path); };
+    const QString here = dir.filePath("here.png");
+    QVERIFY(put(here));
+    const auto picture = [](const QString &path) { return QString("0?1?%1?100|0|1").arg(path); };
 
     QVERIFY(!glow::isPictureLost(picture(here)));
-    QVERIFY(
-        !glow::isPictureLost(picture(here + QStringLiteral("|gone.png")))); // only what stands before the "|" counts
-    QVERIFY(glow::isPictureLost(picture(here + QStringLiteral("x"))));
+    QVERIFY(!glow::isPictureLost(picture(here + "|gone.png"))); // only what stands before the "|" counts
+    QVERIFY(glow::isPictureLost(picture(here + "x")));
     QVERIFY(glow::isPictureLost(picture(QString())));
     for (const char *text : {"", "0", "0?1", "1?#ff0000", "2?3?gone.png|#000000|HELLO|4|2?12|0|0", "3?2?gone?0|1|0"}) {
-        QVERIFY2(!glow::isPictureLost(QString::fromLatin1(text)), text);
+        QVERIFY2(!glow::isPictureLost(text), text);
     }
-
-    QCOMPARE(glow::lostPictureName(picture(QStringLiteral("/old/place/a.png"))), QStringLiteral("a.png"));
-    QCOMPARE(glow::lostPictureName(picture(QStringLiteral("C:\\art\\a.png"))), QStringLiteral("C:\\art\\a.png"));
-    QCOMPARE(glow::lostPictureName(picture(QStringLiteral("/old/place/"))), QString());
+    QCOMPARE(glow::lostPictureName(picture("/old/place/a.png")), QString("a.png"));
+    QCOMPARE(glow::lostPictureName(picture("C:\\art\\a.png")), QString("C:\\art\\a.png"));
+    QCOMPARE(glow::lostPictureName(picture("/old/place/")), QString());
 }
 
 void TestLibrary::findsPictures()
 {
     const QTemporaryDir dir;
     const QString root = dir.path();
-    touch(root + QStringLiteral("/one/two/three/data.png.bak"));
-    touch(root + QStringLiteral("/one/Deep.png"));
-    touch(root + QStringLiteral("/one/shot.gif/inside.txt"));
-    const auto found = [&root](const char *name) { return glow::findPicture(root, QString::fromLatin1(name)); };
-
-    QCOMPARE(found("a.png"), root + QStringLiteral("/one/two/three/data.png.bak"));
-    QCOMPARE(found("Deep.png"), root + QStringLiteral("/one/Deep.png"));
-    QCOMPARE(found("deep.png"), QString());
-    QCOMPARE(found("shot.gif"), QString()); // a folder is no picture
-    QCOMPARE(found("two/three"), QString());
-    QCOMPARE(found(""), QString());
-    QCOMPARE(glow::findPicture(root + QStringLiteral("/none"), QStringLiteral("a.png")), QString());
+    for (const char *file : {"/one/two/three/data.png.bak", "/one/Deep.png", "/one/shot.gif/inside.txt"}) {
+        QVERIFY(put(root + file));
+    }
+    QCOMPARE(glow::findPicture(root, "a.png"), root + "/one/two/three/data.png.bak");
+    // Case counts, a folder is no picture, and only the name is looked at; an empty one is found nowhere.
+    for (const char *name : {"deep.png", "shot.gif", "two/three", ""}) {
+        QCOMPARE(glow::findPicture(root, name), QString());
+    }
+    QCOMPARE(glow::findPicture(root + "/none", "a.png"), QString());
 
     // A relative folder still gives an absolute path.
     const QString before = QDir::currentPath();
     QVERIFY(QDir::setCurrent(root));
-    const QString relative = glow::findPicture(QStringLiteral("one"), QStringLiteral("Deep"));
+    const QString relative = glow::findPicture("one", "Deep");
     QDir::setCurrent(before);
-    QCOMPARE(relative, QDir(root).filePath(QStringLiteral("one/Deep.png")));
+    QCOMPARE(relative, root + "/one/Deep.png");
 }
 
 void TestLibrary::readsUpdateReplies_data()

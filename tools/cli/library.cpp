@@ -119,7 +119,7 @@ int pictures(const QStringList &arguments)
                 continue;
             }
             const QString source = glow::parseSettings(settings).picturePath();
-            if (QFile::copy(source, QDir(folder).filePath(glow::pictureName(source)))) {
+            if (glow::copyPicture(source, folder)) {
                 ++copied;
             } else if (!QFile::exists(source)) {
                 complain(QStringLiteral("lost: ") + source);
