@@ -224,6 +224,22 @@
         <translation>save as</translation>
     </message>
     <message>
+        <source>存檔失敗</source>
+        <translation>save failed</translation>
+    </message>
+    <message>
+        <source>無法寫入 %1
+%2
+原有檔案未變動，請另存新檔。</source>
+        <translation>%1 could not be written.
+%2
+The file is as it was. Please save under another name.</translation>
+    </message>
+    <message>
+        <source>檔案的軌道過多，只讀入前 %1 軌</source>
+        <translation>The file has too many tracks; only the first %1 were read.</translation>
+    </message>
+    <message>
         <source>儲存中...</source>
         <translation>Saving...</translation>
     </message>
