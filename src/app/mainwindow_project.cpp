@@ -39,23 +39,24 @@ void placePattern(MainWindow &window, const QByteArray &blob)
 // No show has so many tracks; a window with thousands of rows could no longer be used.
 constexpr int mostTracks = 500;
 
+// A blob too short for a pattern stands as a pattern without picture and length. A damaged file can hold one in every
+// four bytes, all in one place, where the next sort keeps a single one: this many are shown.
+constexpr int mostEmptyPatterns = 1000;
+
 // Tracks are made as the "+" button makes them, beside the current one: the first of the file stays first, all others
 // end up behind it in the reverse of their file order.
 void placeTracks(MainWindow &window, const glow::Project &project)
 {
+    int empty = 0;
     for (int i = 0; i < qMin(project.tracks.size(), mostTracks); ++i) {
         if (i > 0) {
             window.on_timeline_add_clicked();
         }
-        // A blob too short for a pattern stands as a pattern without picture and length. A damaged file can hold one in
-        // every four bytes, all in one place, where the next sort keeps a single one; that one is enough.
-        bool placedEmpty = false;
         for (const QByteArray &blob : project.tracks.at(i)) {
-            const bool empty = blob.size() < glow::shortestPattern;
-            if (!empty || !placedEmpty) {
+            empty += blob.size() < glow::shortestPattern ? 1 : 0;
+            if (blob.size() >= glow::shortestPattern || empty <= mostEmptyPatterns) {
                 placePattern(window, blob);
             }
-            placedEmpty = placedEmpty || empty;
         }
     }
 }
@@ -153,14 +154,16 @@ void MainWindow::LoadFile(QString path)
     const QString title = currentFile.contains(u'/') ? currentFile : currentFile.section(u'\\', -1);
     setUpTitle(title);
 
+    const bool binary = glow::isProjectPath(currentFile);
+    if (!binary) {
+        qDebug() << "OPEN OLD FILE";
+    }
     QByteArray bytes;
-    const bool opened = glow::readWholeFile(currentFile, bytes);
-    if (opened) {
+    if (glow::readWholeFile(currentFile, bytes)) {
         hasFile = true;
-        if (glow::isProjectPath(currentFile)) {
+        if (binary) {
             openProject(bytes);
         } else {
-            qDebug() << "OPEN OLD FILE";
             openOldProject(bytes);
         }
         on_timeline_scaler_valueChanged(ui->timeline_scaler->value());
