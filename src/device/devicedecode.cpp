@@ -12,6 +12,9 @@ namespace {
 constexpr uchar frameEnd = 0xFE;
 constexpr uchar entryEnd = 0xFF;
 
+// No prop is near this; bytes that go on without a marker are no frame.
+constexpr int mostLeds = 4000;
+
 // Behind the list of entries, and behind the 0xFE of a loop tail.
 QByteArray trailer()
 {
@@ -170,6 +173,12 @@ void ImageReader::takeList(uchar byte)
 void ImageReader::takeFrame(uchar byte)
 {
     if (byte != frameEnd && byte != entryEnd) {
+        if (frame == 3 * mostLeds) {
+            fail(QStringLiteral("entry %1, frame %2 does not end")
+                     .arg(entry + 1)
+                     .arg(show.entries.at(entry).frameCount + 1));
+            return;
+        }
         show.entries[entry].frames.append(static_cast<char>(byte));
         ++frame;
         return;

@@ -54,19 +54,23 @@ void drawColumn(QImage &strip, int x, const DecodedShow &show, const DecodedEntr
 // A step of the time axis that leaves room for its label.
 double axisStep(double seconds, int width)
 {
-    for (const double step : {0.1, 0.2, 0.5, 1.0, 2.0, 5.0, 10.0, 30.0, 60.0, 300.0}) {
-        if (seconds <= 0 || width * step / seconds >= 70) {
+    constexpr double labelWidth = 70;
+    for (const double step : {0.1, 0.2, 0.5, 1.0, 2.0, 5.0, 10.0, 30.0, 60.0, 300.0, 600.0}) {
+        if (width * step / seconds >= labelWidth) {
             return step;
         }
     }
-    return 600.0;
+    return 600.0 * std::ceil(labelWidth * seconds / width / 600.0);
 }
 
 void drawAxis(QPainter &painter, int top, int width, double seconds)
 {
+    if (seconds <= 0) {
+        return; // without a rate there is no time
+    }
     painter.setPen(QColor(200, 200, 200));
     const double step = axisStep(seconds, width);
-    const int ticks = seconds > 0 ? int(seconds / step) : 0;
+    const int ticks = int(seconds / step);
     for (int i = 0; i <= ticks; ++i) {
         const int x = int(i * step / seconds * width);
         painter.drawLine(x, top, x, top + 6);
