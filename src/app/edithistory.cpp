@@ -3,6 +3,8 @@
 #include "timeline/timeline.h"
 #include "timeline/timelineitem.h"
 
+#include <algorithm>
+
 namespace {
 
 // The newest position that the history reaches; beyond it the oldest snapshot goes.
@@ -33,18 +35,58 @@ void restoreItem(Timeline *track, TimelineItem *item, const QByteArray &blob)
     track->addTimelineItem(item);
 }
 
+bool names(const EditHistory::Snapshot &snapshot, TimelineItem *item)
+{
+    return std::any_of(snapshot.cbegin(), snapshot.cend(),
+                       [item](const EditHistory::TrackSnapshot &track) { return track.contains(item); });
+}
+
 } // namespace
 
 EditHistory::~EditHistory()
 {
-    clear();
+    qDeleteAll(snapshots);
 }
 
 void EditHistory::clear()
 {
-    qDeleteAll(snapshots);
-    snapshots.clear();
+    while (!snapshots.isEmpty()) {
+        Snapshot *oldest = snapshots.takeFirst();
+        drop(oldest, snapshots.value(0));
+    }
     index = -1;
+    destroyForgotten();
+}
+
+// Deletes a snapshot that is in the list no more and notes what the one next to it does not name.
+void EditHistory::drop(Snapshot *snapshot, const Snapshot *neighbour)
+{
+    for (const TrackSnapshot &track : qAsConst(*snapshot)) {
+        for (auto entry = track.constBegin(); entry != track.constEnd(); ++entry) {
+            if (neighbour == nullptr || !names(*neighbour, entry.key())) {
+                dropped.append(entry.key());
+            }
+        }
+    }
+    delete snapshot;
+}
+
+void EditHistory::destroyForgotten()
+{
+    QVector<QPointer<TimelineItem>> kept;
+    for (const QPointer<TimelineItem> &item : qAsConst(dropped)) {
+        if (item.isNull() || item->parentWidget() != nullptr) {
+            continue;
+        }
+        const bool named = std::any_of(snapshots.cbegin(), snapshots.cend(),
+                                       [&item](const Snapshot *snapshot) { return names(*snapshot, item); });
+        if (named || (isHeld && isHeld(item))) {
+            kept.append(item);
+        } else {
+            item->deleteLater();
+        }
+    }
+    dropped = kept;
 }
 
 bool EditHistory::record(const QList<Timeline *> &tracks)
@@ -67,14 +109,17 @@ bool EditHistory::record(const QList<Timeline *> &tracks)
         return false;
     }
     while (index >= 0 && snapshots.size() - 1 > index) {
-        delete snapshots.takeLast();
+        Snapshot *undone = snapshots.takeLast();
+        drop(undone, snapshots.last());
     }
     snapshots.append(new Snapshot(fresh));
     if (index >= deepest) {
-        delete snapshots.takeFirst();
+        Snapshot *oldest = snapshots.takeFirst();
+        drop(oldest, snapshots.first());
     } else {
         ++index;
     }
+    destroyForgotten();
     return true;
 }
 

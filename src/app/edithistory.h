@@ -4,6 +4,10 @@
 #include <QByteArray>
 #include <QList>
 #include <QMap>
+#include <QPointer>
+#include <QVector>
+
+#include <functional>
 
 class Timeline;
 class TimelineItem;
@@ -13,7 +17,8 @@ class EditHistory
 public:
     // Tracks to items to blobs. Pointers are the identity across snapshots, so nothing may destroy a track or an item
     // that a snapshot can name; what destroys tracks clears the history in the same step. Blobs are shared with the
-    // items.
+    // items. What no snapshot names any more, stands on no track and is not held otherwise (isHeld) is destroyed, or a
+    // long evening's removed patterns would pile up.
     using TrackSnapshot = QMap<TimelineItem *, QByteArray>;
     using Snapshot = QMap<Timeline *, TrackSnapshot>;
 
@@ -25,6 +30,10 @@ public:
     qint32 index = -1; // position of the snapshot that equals the present show, -1 when empty; never above 100
     QList<Snapshot *> snapshots; // owned, oldest first
 
+    // Whether somebody besides tracks and history still points at the item, as the editor does; asked before an item
+    // is destroyed. Nobody, while it is empty.
+    std::function<bool(const TimelineItem *)> isHeld;
+
     void clear();
 
     // Takes a snapshot if the show differs from the present one; true if one was taken. Only what exists now is looked
@@ -33,4 +42,10 @@ public:
 
     // One snapshot back or forward, and the show made equal to it. True if a further step is possible both ways.
     bool step(bool back, const QList<Timeline *> &tracks);
+
+private:
+    void drop(Snapshot *snapshot, const Snapshot *neighbour);
+    void destroyForgotten();
+
+    QVector<QPointer<TimelineItem>> dropped; // were named by snapshots that are gone
 };

@@ -27,6 +27,8 @@
 #include <QScreen>
 #include <QScrollBar>
 
+#include <algorithm>
+
 namespace {
 
 // The smallest screen on which the whole window stands.
@@ -73,6 +75,11 @@ MainWindow::MainWindow(QWidget *parent)
     languageGroup->addAction(ui->actionEnglish);
     languageGroup->setExclusive(true);
 
+    history.isHeld = [this](const TimelineItem *item) {
+        const auto drags = [item](const Timeline *track) { return track->dragItem == item; };
+        return item == currentItem || item == previewItem ||
+               std::any_of(timelines.cbegin(), timelines.cend(), drags);
+    };
     on_timeline_add_clicked();
 
     ui->audio_frame->setAttribute(Qt::WA_TransparentForMouseEvents);
