@@ -301,6 +301,7 @@ private:
     bool isStaleDecode(const QObject *caller) const;
     void takeAudioBuffer();
     void endDecode();
+    void forgetDecode();
     void rewindSong();
 
     bool decoding = false;      // audioDecoder is at work: neither finished, failed nor cancelled

@@ -17,6 +17,7 @@
 #include <QGraphicsLayout>
 #include <QMessageBox>
 #include <QProgressDialog>
+#include <QScopedPointer>
 #include <QThread>
 #include <QTimer>
 #include <QUrl>
@@ -103,6 +104,7 @@ void MainWindow::ReadSong(const QString &path)
 
     // What a decode of an older song still delivers is told by its sender and dropped.
     endDecode();
+    forgetDecode();
     audioDecoder = new QAudioDecoder(this);
     audioDecoder->setAudioFormat(glow::waveFormat());
     audioDecoder->setSourceFilename(file);
@@ -152,6 +154,19 @@ void MainWindow::endDecode()
     if (decodeProgress != nullptr) {
         decodeProgress->reset();
         decodeProgress->hide();
+    }
+}
+
+// Gives up what the decode of an older song was made with; a waveform that is shown stays until the next one.
+void MainWindow::forgetDecode()
+{
+    for (QObject *old : {static_cast<QObject *>(audioDecoder), static_cast<QObject *>(decodeProgress)}) {
+        if (old != nullptr) {
+            old->deleteLater();
+        }
+    }
+    if (waveSeries != nullptr && waveSeries->chart() == nullptr) {
+        waveSeries->deleteLater();
     }
 }
 
@@ -249,6 +264,7 @@ void MainWindow::audioPlotting()
     qDebug() << "series max" << waveMax;
     chartView->setMinimumSize(0, 0); // a chart of no size has nothing to lay out
     chartView->resize(0, 0);
+    const QScopedPointer<QChart> old(chartView->chart());
     chartView->setChart(chartOf(waveSeries, glow::waveAxisLimit(waveMax)));
     chartView->wavePoints = waveSamples.toList();
     chartView->setRenderHint(QPainter::Antialiasing);
