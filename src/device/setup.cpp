@@ -101,7 +101,12 @@ void setup::search()
 
 void setup::read_to_monitor()
 {
-    QString text = decoder->toUnicode(serial->readAll()).remove(QChar::Null);
+    take(serial->readAll());
+}
+
+void setup::take(const QByteArray &bytes)
+{
+    QString text = decoder->toUnicode(bytes).remove(QChar::Null);
     if (afterReturn && text.startsWith(u'\n')) {
         text.remove(0, 1); // a line's end that came in two pieces is one end
         afterReturn = false;

@@ -33,6 +33,8 @@ public slots:
     // two insertions, and the monitor keeps the latest monitorLimit characters only, of a line the latest lineLimit:
     // the dialog stays usable.
     void read_to_monitor();
+    // The same for bytes that came by another way.
+    void take(const QByteArray &bytes);
     // Sends the command line as it stands, without a line ending, and empties it; nothing happens without a port.
     void on_SEND_BUTTON_clicked();
     void on_actionenter_triggered();
