@@ -97,6 +97,7 @@ private slots:
     void cleanup();
     void deletionsAreSeenWithTheNextChange();
     void hundredStepsAreKept();
+    void forgottenPatternsAreDestroyed();
     void modelAgrees();
 
 private:
@@ -207,6 +208,32 @@ void TestHistory::hundredStepsAreKept()
     QCOMPARE(window->currentTimeline->items.size(), 5);
     add(200000, 200500);
     QCOMPARE(window->history.snapshots.size(), 2);
+}
+
+void TestHistory::forgottenPatternsAreDestroyed()
+{
+    const auto destroyed = [](const QPointer<TimelineItem> &item) {
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        return item.isNull();
+    };
+    const QPointer<TimelineItem> removed = add(0, 1000);
+    const QPointer<TimelineItem> edited = add(2000, 3000);
+    TimelineItem *placed = add(4000, 5000);
+    window->on_timelineItem_Clicked(edited, false);
+    removed->on_itemDelete_clicked();
+    edited->on_itemDelete_clicked();
+    add(6000, 7000);
+    QVERIFY(!destroyed(removed)); // undo brings it back
+
+    window->on_timelineItem_Clicked(edited, false);
+    window->history.clear();
+    window->updateStatus();
+    QVERIFY(destroyed(removed));
+    QVERIFY(!destroyed(edited)); // the panel still edits it
+    window->on_timelineItem_Clicked(placed, false);
+    window->history.clear();
+    QVERIFY(destroyed(edited));
+    QVERIFY(window->currentTimeline->items.contains(placed));
 }
 
 // One random action; true if the show is offered to the history at its end.
