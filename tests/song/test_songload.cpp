@@ -294,26 +294,23 @@ private slots:
     {
         window->ReadSong(wav(QStringLiteral("long.wav"), {96000, 1, 60000}));
         QVERIFY(reaches(*window, 50));
-        QAudioDecoder *old = window->audioDecoder;
-        QProgressDialog *oldDialog = window->decodeProgress;
+        const QPointer<QAudioDecoder> old = window->audioDecoder;
+        const QPointer<QProgressDialog> oldDialog = window->decodeProgress;
         window->ReadSong(wav(QStringLiteral("b.wav"), {8000, 1, 2000}));
         QVERIFY(window->audioDecoder != old);
         QVERIFY(window->waveSamples.isEmpty());
         QVERIFY(!oldDialog->isVisible());
-        const auto bother = [old, oldDialog] {
-            emit old->bufferReady();
-            emit old->positionChanged(30000);
-            emit old->durationChanged(12345);
-            emit old->error(QAudioDecoder::FormatError);
-            emit old->finished();
-            emit oldDialog->canceled();
-        };
-        bother();
+        emit old->bufferReady();
+        emit old->positionChanged(30000);
+        emit old->durationChanged(12345);
+        emit old->error(QAudioDecoder::FormatError);
+        emit old->finished();
+        emit oldDialog->canceled();
         QVERIFY(window->decodeProgress->isVisible());
         QCOMPARE(window->decodeProgress->maximum(), 32767);
         QVERIFY(!window->chartView->isVisible());
         QTRY_VERIFY(!window->decodeProgress->isVisible());
-        bother();
+        QVERIFY(old.isNull() && oldDialog.isNull());
         QCOMPARE(window->waveSamples.size(), 961);
         QCOMPARE(window->waveSeries->count(), 961);
         QVERIFY(dialogIsGoneForGood());
