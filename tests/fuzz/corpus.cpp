@@ -1,0 +1,104 @@
+#include "targets.h"
+
+#include "app/patternrecord.h"
+#include "app/projectfile.h"
+#include "app/settingstext.h"
+#include "device/binfile.h"
+#include "device/deviceimage.h"
+#include "device/projectshow.h"
+
+#include <QBuffer>
+#include <QPixmap>
+
+namespace fuzz {
+
+namespace {
+
+QByteArray pattern(int kind, int start, int end, int speed = 0)
+{
+    glow::PatternRecord record;
+    record.thumbnail = QPixmap(9, 85);
+    record.thumbnail.fill(QColor(200, 40 * kind, 10));
+    record.startTime = glow::timeOf(start);
+    record.endTime = glow::timeOf(end);
+    record.solidColor = kind == glow::ColourPattern ? QColor(1, 2, 3) : QColor();
+    record.repeatCount = 3;
+    record.patternKind = kind;
+    record.speedValue = speed;
+    const QStringList settings = {
+        glow::composePicture(2, QStringLiteral("/gone/a.png"), 20, true, false), glow::composeColour(QColor(1, 2, 3)),
+        glow::composeText(1, Qt::red, Qt::black, QStringLiteral("abc 光"), 0, 2, 30, false, true),
+        glow::composeEffect(4, Qt::green, Qt::blue, 5, 1, 60, false, false)};
+    record.settingsText = settings.value(kind);
+    return glow::writePattern(record);
+}
+
+glow::Project project(int tracks, const QString &song = QStringLiteral("null"))
+{
+    glow::Project show;
+    show.ledCount = 36;
+    show.frameRate = 600;
+    show.songPath = song;
+    for (int track = 0; track < tracks; ++track) {
+        QVector<QByteArray> blobs;
+        for (int kind = 0; kind < 4 && track != 1; ++kind) {
+            blobs << pattern(kind, kind * 700, kind * 700 + 500, kind * 9);
+        }
+        show.tracks << blobs;
+    }
+    return show;
+}
+
+QByteArray bin(int leds, bool loop)
+{
+    glow::Project source = project(1);
+    source.ledCount = qint16(leds);
+    source.frameRate = 40;
+    source.tracks[0] = source.tracks[0].mid(0, 2);
+    QBuffer data;
+    QBuffer header;
+    QBuffer out;
+    data.open(QIODevice::ReadWrite);
+    header.open(QIODevice::ReadWrite);
+    out.open(QIODevice::WriteOnly);
+    glow::ShowOptions options;
+    options.loop = loop;
+    glow::writeDeviceImage(glow::showOfTrack(source, 0, options), data, header);
+    data.seek(0);
+    header.seek(0);
+    glow::writeBin(header, data, out);
+    return out.data();
+}
+
+const QByteArray oldShow = "80><1600\n"
+                           "00:00.000><00:01.500><1?#ff0000\n"
+                           "00:02.000><00:03.000><0?2?/gone/a.png?20|0|1\n"
+                           "00:04.000><00:05.250><2?1?#ff0000|#000000|abc|0|2?30|0|1\r\n"
+                           "00:06.000><00:07.000><3?4?#00ff00|#0000ff|5|1|60?0|1|0\n";
+
+} // namespace
+
+QMap<QString, QByteArray> corpus(const QString &target)
+{
+    const auto show = [](int tracks) { return glow::writeProject(project(tracks)); };
+    const QByteArray song = glow::writeProject(project(1, QStringLiteral("/gone/song.mp3")));
+    const QByteArray newForm(1, '\0'); // the first byte tells the window the form
+    const QMap<QString, QMap<QString, QByteArray>> all{
+        {"project", {{"empty", show(0)}, {"one", show(1)}, {"three", show(3)}, {"song", song}}},
+        {"oldproject", {{"utf8", oldShow}, {"utf16", QByteArray("\xFF\xFE\x38\0\x30\0\x3E\0\x3C\0\x31\0\n\0", 14)}}},
+        {"blob",
+         {{"picture", pattern(0, 0, 5000, 30)},
+          {"colour", pattern(1, 5000, 100)},
+          {"text", pattern(2, 1, 2)},
+          {"effect", pattern(3, 86399000, 86399999)}}},
+        {"bin", {{"loop", bin(2, true)}, {"once", bin(3, false)}, {"none", bin(0, true)}}},
+        {"device",
+         {{"greeting", "\x04" + QByteArray("Glow prop 1.2\r\nReady\r\n")},
+          {"wait", "\x02" + QByteArray("Wait...\0Wait\n", 13)},
+          {"refusal", "\x09" + QByteArray("ERR: slot 7\n\xE5\x85\x89")}}},
+        {"update", {{"same", "3.104\n"}, {"newer", "9.9\n<b>note</b><br>\xE5\x85\x89;;more;;fields"}, {"none", ""}}},
+        {"window", {{"old", "\x01" + oldShow}, {"new", newForm + show(3)}, {"song", newForm + song}}}};
+    return all.value(target);
+}
+
+} // namespace fuzz
