@@ -227,7 +227,7 @@ void TestFaults::killedWithAnUnsavedShow()
         for (int i = 0; i < 600 && !process.canReadLine() && process.state() != QProcess::NotRunning; ++i) {
             process.waitForReadyRead(100);
         }
-        const QString told = QString::fromLatin1(process.readLine()).trimmed();
+        QString told = QString::fromLatin1(process.readLine()).trimmed();
         process.kill();
         process.waitForFinished();
         return told;
