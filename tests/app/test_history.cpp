@@ -60,7 +60,7 @@ struct Model
         if (!differs) {
             return false;
         }
-        kept.resize(std::size_t(at + 1));
+        kept.resize(std::size_t(at) + 1);
         kept.push_back(present);
         if (at == 100) {
             kept.erase(kept.begin());

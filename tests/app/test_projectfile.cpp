@@ -8,7 +8,6 @@
 #include <QtTest>
 
 #include <cmath>
-#include <cstring>
 
 using glow::OldProject;
 using glow::Project;
@@ -75,8 +74,7 @@ Project readByStream(const QByteArray &bytes)
 
 bool same(const Project &a, const Project &b)
 {
-    const bool sameRate = std::memcmp(&a.frameRate, &b.frameRate, sizeof a.frameRate) == 0 ||
-                          (std::isnan(a.frameRate) && std::isnan(b.frameRate));
+    const bool sameRate = a.frameRate == b.frameRate || (std::isnan(a.frameRate) && std::isnan(b.frameRate));
     return a.ledCount == b.ledCount && sameRate && a.songPath == b.songPath && a.tracks == b.tracks;
 }
 
