@@ -49,3 +49,9 @@ void ScrollArea::mouseMoveEvent(QMouseEvent *e)
     qDebug() << e;
     e->ignore();
 }
+
+bool ScrollArea::focusNextPrevChild(bool next)
+{
+    // QScrollArea's own would scroll to the middle of a track, which is always in view.
+    return QWidget::focusNextPrevChild(next); // NOLINT(bugprone-parent-virtual-call)
+}

@@ -20,4 +20,5 @@ protected:
     void keyPressEvent(QKeyEvent *e) override;
     void keyReleaseEvent(QKeyEvent *e) override;
     void mouseMoveEvent(QMouseEvent *e) override;
+    bool focusNextPrevChild(bool next) override;
 };

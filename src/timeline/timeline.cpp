@@ -53,10 +53,11 @@ QVector<glow::Span> spansOf(const QList<TimelineItem *> &items)
     return spans;
 }
 
-// A bound that an edit leaves where it is keeps its very value, so that a null time stays one.
+// A bound that an edit leaves where it is keeps its very value, so that a null time stays one. Any other is that of
+// another pattern, foreign times beyond a day included: nothing wraps here.
 QTime bound(const QTime &present, int ms)
 {
-    return glow::msOf(present) == ms ? present : glow::timeOf(ms);
+    return glow::msOf(present) == ms ? present : QTime::fromMSecsSinceStartOfDay(ms);
 }
 
 void applyTimes(TimelineItem *item, glow::Span times)
@@ -173,6 +174,10 @@ void Timeline::deleteTimelineItem(TimelineItem *item)
 void Timeline::releaseItem(TimelineItem *item)
 {
     items.removeOne(item);
+    // Qt would hand the focus to any widget of the window, and keys held for the wheel would go there.
+    if (item->hasFocus()) {
+        setFocus();
+    }
     item->setParent(nullptr);
     item->disconnect();
     disconnect(item);
