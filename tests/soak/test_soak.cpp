@@ -1,11 +1,13 @@
 // Random work on the real window: test_soak [OPERATIONS [SEED [CHECK_EVERY]]]. After each hundred operations the whole
 // window is checked and the memory weighed. Whatever ends the run names the seed and the operation, so the same
 // arguments come back to it; CHECK_EVERY 1 then finds the guilty one.
-#include "showwindow.h"
+#include "mousedriver.h"
 #include "song/songmaker.h"
 #include "support/dialogdriver.h"
+#include "support/testenv.h"
 #include "support/windowcheck.h"
 
+#include "app/mainwindow.h"
 #include "app/projectfile.h"
 #include "app/wholefile.h"
 #include "preview/mygl.h"
@@ -90,9 +92,10 @@ private:
     void check();
     void weigh();
 
-    ShowWindow show;
-    MainWindow &window = show.window;
-    Ui::MainWindow *ui = show.ui;
+    TestEnv env;
+    MainWindow window;
+    Ui::MainWindow *ui = window.ui;
+    MouseDriver mouse{&window};
     DialogDriver driver;
     QTemporaryDir dir;
     QRandomGenerator random{seed};
@@ -200,6 +203,8 @@ const Soak::Operation Soak::table[] = {
 
 Soak::Soak()
 {
+    ui->GLWidget->repaintTimer.stop(); // what the preview paints is of no interest here
+    window.show();
     songs::writeWav(file("a.wav"), {8000, 1, 1500});
     QImage image(60, 40, QImage::Format_RGB32);
     image.fill(Qt::darkCyan);
@@ -258,7 +263,7 @@ void Soak::pull(TimelineItem *item, int grabX)
         const int left = ui->timeline_scroll->horizontalScrollBar()->value();
         steps.append({track, QPoint(left + 20 + below(ui->timeline_scroll->viewport()->width() - 40), 27), {}});
     }
-    expect(show.mouse.drag(item, place, steps), QStringLiteral("a drag ends"));
+    expect(mouse.drag(item, place, steps), QStringLiteral("a drag ends"));
 }
 
 void Soak::save()
