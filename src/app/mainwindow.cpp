@@ -76,9 +76,11 @@ MainWindow::MainWindow(QWidget *parent)
     languageGroup->setExclusive(true);
 
     history.isHeld = [this](const TimelineItem *item) {
-        const auto drags = [item](const Timeline *track) { return track->dragItem == item; };
-        return item == currentItem || item == previewItem ||
-               std::any_of(timelines.cbegin(), timelines.cend(), drags);
+        // The Delete key takes a pattern of another track off that track, yet leaves it on its list.
+        const auto holds = [item](const Timeline *track) {
+            return track->dragItem == item || track->items.contains(const_cast<TimelineItem *>(item));
+        };
+        return item == currentItem || item == previewItem || std::any_of(timelines.cbegin(), timelines.cend(), holds);
     };
     on_timeline_add_clicked();
 

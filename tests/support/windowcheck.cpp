@@ -10,12 +10,13 @@
 
 namespace {
 
-QString wrongItem(const Timeline &track, const TimelineItem &item)
+QString wrongItem(const Timeline &track, const TimelineItem &item, bool strays)
 {
-    if (item.parentWidget() != &track) {
+    const bool stray = strays && item.parentWidget() == nullptr;
+    if (!stray && item.parentWidget() != &track) {
         return QStringLiteral("an item is listed on a track that is not its parent");
     }
-    if (item.isHidden()) {
+    if (item.isHidden() != stray) {
         return QStringLiteral("a listed item is hidden");
     }
     const glow::PatternRecord record = glow::readPattern(item.itemData);
@@ -45,7 +46,7 @@ QString wrongLabel(const MainWindow &window, const Timeline &track)
 
 } // namespace
 
-QString whatIsWrong(const MainWindow &window)
+QString whatIsWrong(const MainWindow &window, bool strays)
 {
     int current = 0;
     QSet<const TimelineItem *> seen;
@@ -60,7 +61,7 @@ QString whatIsWrong(const MainWindow &window)
                 return QStringLiteral("an item is listed twice");
             }
             seen.insert(item);
-            const QString wrong = wrongItem(*track, *item);
+            const QString wrong = wrongItem(*track, *item, strays);
             if (!wrong.isEmpty()) {
                 return wrong;
             }
