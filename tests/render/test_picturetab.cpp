@@ -1,13 +1,10 @@
 // The picture tab on the real window: single and several files, gap and flips, files that cannot be shown.
-#include "app/mainwindow.h"
 #include "app/propvalues.h"
 #include "preview/mygl.h"
 #include "support/dialogdriver.h"
-#include "support/testenv.h"
-#include "support/windowcheck.h"
+#include "support/windowtest.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineitem.h"
-#include "timeline/timescale.h"
 #include "ui_mainwindow.h"
 
 #include <QFile>
@@ -16,13 +13,11 @@
 #include <QSignalSpy>
 #include <QtTest>
 
-class TestPictureTab : public QObject
+class TestPictureTab : public WindowTest
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
     void oneFileIsLoadedAndNotAdded();
     void severalFilesAreAddedAtOnce();
     void gapAndFlips();
@@ -36,28 +31,7 @@ private:
     QRgb previewed(int column, int row) const { return ui->GLWidget->pixelAt(column, row); }
     QImage picture() const { return window->picturePixmap.toImage(); }
     QString message() const { return window->statusBar()->currentMessage(); }
-
-    QScopedPointer<TestEnv> env;
-    QScopedPointer<MainWindow> window;
-    Ui::MainWindow *ui = nullptr;
 };
-
-void TestPictureTab::init()
-{
-    env.reset(new TestEnv);
-    msPerPixel = 10.0F;
-    window.reset(new MainWindow);
-    ui = window->ui;
-    window->show();
-    QCOMPARE(int(ledCount), 70);
-}
-
-void TestPictureTab::cleanup()
-{
-    QCOMPARE(whatIsWrong(*window), QString());
-    window.reset();
-    env.reset();
-}
 
 QString TestPictureTab::file(const QString &name, const QColor &color, const QSize &size) const
 {

@@ -1,0 +1,36 @@
+#include "support/windowtest.h"
+
+#include "support/windowcheck.h"
+#include "timeline/timeline.h"
+#include "timeline/timelineitem.h"
+#include "timeline/timescale.h"
+
+#include <QtTest>
+
+void WindowTest::init()
+{
+    env.reset(new TestEnv);
+    msPerPixel = 10.0F;
+    window.reset(new MainWindow);
+    ui = window->ui;
+    window->show();
+    // Without a window manager a dialog of the test before has left no window active.
+    window->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(window.data()));
+}
+
+void WindowTest::cleanup()
+{
+    if (!window.isNull()) {
+        QTRY_COMPARE(whatIsWrong(*window), QString());
+    }
+    window.reset();
+    env.reset();
+}
+
+TimelineItem *WindowTest::add(const QByteArray &blob)
+{
+    auto *item = new TimelineItem(blob, window->currentTimeline);
+    window->currentTimeline->addTimelineItem(item);
+    return item;
+}

@@ -1,0 +1,31 @@
+// A test of the real window: each function starts with a fresh one, on settings, folders and an empty show of its own.
+#pragma once
+
+#include "app/mainwindow.h"
+#include "support/testenv.h"
+
+#include <QObject>
+#include <QScopedPointer>
+
+namespace Ui {
+class MainWindow;
+}
+
+class TimelineItem;
+
+class WindowTest : public QObject
+{
+    Q_OBJECT
+
+protected slots: // not private, or they would run as tests of their own
+    void init();
+    void cleanup(); // checks the whole window before it goes
+
+protected:
+    // A pattern on the current track, placed as it is.
+    TimelineItem *add(const QByteArray &blob);
+
+    QScopedPointer<TestEnv> env;
+    QScopedPointer<MainWindow> window;
+    Ui::MainWindow *ui = nullptr;
+};
