@@ -1,18 +1,14 @@
 // The text, effect and colour tabs of the real window: their controls, the two colours that they share, random effects.
-#include "app/mainwindow.h"
 #include "app/propvalues.h"
 #include "preview/mygl.h"
 #include "render/effectimage.h"
 #include "render/randomdraw.h"
 #include "support/dialogdriver.h"
-#include "support/testenv.h"
-#include "support/windowcheck.h"
+#include "support/windowtest.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineitem.h"
-#include "timeline/timescale.h"
 #include "ui_mainwindow.h"
 
-#include <QChildEvent>
 #include <QGraphicsPixmapItem>
 #include <QGraphicsScene>
 #include <QtTest>
@@ -48,19 +44,14 @@ struct ColourPanel
 
 } // namespace
 
-class TestPatternTabs : public QObject
+class TestPatternTabs : public WindowTest
 {
     Q_OBJECT
 
 private slots:
     void init();
-    void cleanup();
-    void numbersEditTheChosenColour_data() { bothTabs(); }
-    void numbersEditTheChosenColour();
-    void colourDialogLeavesTheNumbers_data() { bothTabs(); }
-    void colourDialogLeavesTheNumbers();
-    void swappingKeepsTheNumbers_data() { bothTabs(); }
-    void swappingKeepsTheNumbers();
+    void theTwoColours_data();
+    void theTwoColours();
     void separatorsAreReplaced();
     void everyTextControlRenders();
     void everyEffectControlDraws();
@@ -68,7 +59,6 @@ private slots:
     void colourTab();
 
 private:
-    static void bothTabs();
     ColourPanel panelOfRow();
     // The back colour as the result shows it: a text's last pixel, the last third of the jump.
     QColor ground() const
@@ -86,30 +76,16 @@ private:
                                   ui->Spe_revV->isChecked()});
     }
     QImage made() const { return window->effectPixmap.toImage().convertToFormat(asked().format()); }
-
-    QScopedPointer<TestEnv> env;
-    QScopedPointer<MainWindow> window;
-    Ui::MainWindow *ui = nullptr;
+    QImage text() const { return window->textPixmap.toImage(); }
 };
 
 void TestPatternTabs::init()
 {
-    env.reset(new TestEnv);
-    msPerPixel = 10.0F;
-    window.reset(new MainWindow);
-    ui = window->ui;
-    window->show();
+    WindowTest::init();
     ui->Mode_Pic->setCurrentIndex(glow::TextPattern);
 }
 
-void TestPatternTabs::cleanup()
-{
-    QCOMPARE(whatIsWrong(*window), QString());
-    window.reset();
-    env.reset();
-}
-
-void TestPatternTabs::bothTabs()
+void TestPatternTabs::theTwoColours_data()
 {
     QTest::addColumn<int>("tab");
     QTest::newRow("text") << int(glow::TextPattern);
@@ -129,15 +105,16 @@ ColourPanel TestPatternTabs::panelOfRow()
             ui->Spe_front, ui->Spe_back, ui->Color_dialog_2, ui->Color_Exc2, ui->Spe_show};
 }
 
-void TestPatternTabs::numbersEditTheChosenColour()
+void TestPatternTabs::theTwoColours()
 {
     const ColourPanel panel = panelOfRow();
+    const auto colours = [this] { return qMakePair(window->foreColor, window->backColor); };
+    // Numbers and slides edit the chosen colour.
     panel.red->setValue(10);
     panel.greenSlide->setValue(20);
     panel.blue->setValue(30);
     QCOMPARE(QColor(panel.redSlide->value(), panel.green->value(), panel.blueSlide->value()), QColor(10, 20, 30));
-    QCOMPARE(window->foreColor, QColor(10, 20, 30));
-    QCOMPARE(window->backColor, QColor(Qt::black));
+    QCOMPARE(colours(), qMakePair(QColor(10, 20, 30), QColor(0, 0, 0)));
     window->backColor = QColor(4, 5, 6);
     panel.back->click();
     QCOMPARE(panel.numbers(), QColor(4, 5, 6));
@@ -145,52 +122,40 @@ void TestPatternTabs::numbersEditTheChosenColour()
     panel.redSlide->setValue(200);
     panel.green->setValue(100);
     panel.blueSlide->setValue(50);
-    QCOMPARE(window->foreColor, QColor(10, 20, 30));
-    QCOMPARE(window->backColor, QColor(200, 100, 50));
+    QCOMPARE(colours(), qMakePair(QColor(10, 20, 30), QColor(200, 100, 50)));
     QCOMPARE(ground(), QColor(200, 100, 50));
     panel.front->click();
     QCOMPARE(panel.numbers(), QColor(10, 20, 30));
-    QCOMPARE(window->backColor, QColor(200, 100, 50));
-}
 
-void TestPatternTabs::colourDialogLeavesTheNumbers()
-{
-    const ColourPanel panel = panelOfRow();
+    // The dialog changes it and leaves the numbers. A cancelled one renders as well.
     DialogDriver driver;
     driver.answerColor(QColor(9, 8, 7));
     panel.dialog->click();
-    QCOMPARE(window->foreColor, QColor(9, 8, 7));
-    QCOMPARE(panel.numbers(), QColor(255, 255, 255));
+    QCOMPARE(panel.numbers(), QColor(10, 20, 30));
     panel.back->click();
     driver.answerColor(QColor(60, 70, 80));
     panel.dialog->click();
-    QCOMPARE(window->backColor, QColor(60, 70, 80));
+    QCOMPARE(colours(), qMakePair(QColor(9, 8, 7), QColor(60, 70, 80)));
     QCOMPARE(ground(), QColor(60, 70, 80));
     const SceneCount count(panel.view);
     driver.answerColor(QColor());
     panel.dialog->click();
-    QCOMPARE(window->backColor, QColor(60, 70, 80));
-    QCOMPARE(count.scenes, 1); // rendered either way
+    QCOMPARE(colours(), qMakePair(QColor(9, 8, 7), QColor(60, 70, 80)));
+    QCOMPARE(count.scenes, 1);
+    QVERIFY(driver.done());
+
+    // Swapping leaves the numbers too and chooses the other one.
     panel.front->click();
     QCOMPARE(panel.numbers(), QColor(9, 8, 7));
-    QVERIFY(driver.done());
-}
-
-void TestPatternTabs::swappingKeepsTheNumbers()
-{
-    const ColourPanel panel = panelOfRow();
-    panel.red->setValue(10);
-    QColor fore = window->foreColor;
-    QColor back = window->backColor;
-    for (const QRadioButton *chosen : {panel.back, panel.front}) {
-        panel.swap->click();
-        std::swap(fore, back);
-        QCOMPARE(window->foreColor, fore);
-        QCOMPARE(window->backColor, back);
-        QVERIFY(chosen->isChecked());
-        QCOMPARE(panel.numbers(), QColor(10, 255, 255));
-        QCOMPARE(ground(), back);
-    }
+    panel.swap->click();
+    QVERIFY(panel.back->isChecked());
+    QCOMPARE(colours(), qMakePair(QColor(60, 70, 80), QColor(9, 8, 7)));
+    QCOMPARE(panel.numbers(), QColor(9, 8, 7));
+    QCOMPARE(ground(), QColor(9, 8, 7));
+    panel.swap->click();
+    QVERIFY(panel.front->isChecked());
+    QCOMPARE(panel.numbers(), QColor(9, 8, 7));
+    QCOMPARE(ground(), QColor(60, 70, 80));
 }
 
 void TestPatternTabs::separatorsAreReplaced()
@@ -208,9 +173,9 @@ void TestPatternTabs::separatorsAreReplaced()
 void TestPatternTabs::everyTextControlRenders()
 {
     // As it stands at construction. The width is the one that the picture has at 70 rows, rounded.
-    const QPixmap text = window->textPixmap;
-    QVERIFY(text.height() > 200);
-    QCOMPARE(window->patternWidth, qRound(text.width() * 70.0 / text.height()));
+    const QPixmap first = window->textPixmap;
+    QVERIFY(first.height() > 200);
+    QCOMPARE(window->patternWidth, qRound(first.width() * 70.0 / first.height()));
     const QList<QGraphicsItem *> items = ui->text_View->scene()->items();
     QCOMPARE(items.size(), 1);
     QCOMPARE(qgraphicsitem_cast<QGraphicsPixmapItem *>(items.first())->pixmap().height(), 120);
@@ -218,26 +183,26 @@ void TestPatternTabs::everyTextControlRenders()
     QCOMPARE(ui->suggest->value(), window->suggestRepeat());
 
     ui->text_Edit->setText(QStringLiteral("HF"));
-    const QImage plain = window->textPixmap.toImage();
+    const QImage plain = text();
     const int width = window->patternWidth;
     ui->Text_slide->setValue(10);
-    QCOMPARE(window->textPixmap.width(), 2 * (plain.width() - 50) + 50);
+    QCOMPARE(text().width(), 2 * (plain.width() - 50) + 50);
     QVERIFY(window->patternWidth > width * 3 / 2);
     ui->Text_slide->setValue(5);
     ui->Font_size->setCurrentIndex(4);
-    QCOMPARE(window->textPixmap.height(), plain.height() * 2);
+    QCOMPARE(text().height(), plain.height() * 2);
     ui->Font_size->setCurrentIndex(9);
     ui->Text_revH->setChecked(true);
-    QCOMPARE(window->textPixmap.toImage(), plain.mirrored(true, false));
+    QCOMPARE(text(), plain.mirrored(true, false));
     ui->Text_revV->click();
-    QCOMPARE(window->textPixmap.toImage(), plain.mirrored(true, true));
+    QCOMPARE(text(), plain.mirrored(true, true));
     const SceneCount count(ui->text_View);
     ui->fontComboBox->setCurrentIndex(ui->fontComboBox->currentIndex() == 0 ? 1 : 0);
     QVERIFY(count.scenes >= 1);
     ui->Leds->setValue(36);
     QCOMPARE(ui->GLWidget->patternImage.height(), 36);
     ui->Font_size->setCurrentIndex(-1); // no row: as the first
-    QVERIFY(!window->textPixmap.isNull());
+    QVERIFY(!text().isNull());
     // A text beyond all bounds says so and is still a pattern.
     ui->Font_size->setCurrentIndex(9);
     window->statusBar()->clearMessage();
@@ -324,19 +289,17 @@ void TestPatternTabs::colourTab()
     QCOMPARE(ui->Color_View->styleSheet(), QStringLiteral("background-color: rgb(120,7,0);"));
     QCOMPARE(QColor(ui->GLWidget->pixelAt(5, 5)), QColor(120, 7, 0));
 
+    // The slots of two changed channels write the short form; the same colour again leaves the dialog's own.
     DialogDriver driver;
-    driver.answerColor(QColor(10, 255, 30));
-    ui->Color_View->click();
-    QCOMPARE(window->foreColor, QColor(10, 255, 30));
-    QCOMPARE(ui->Color_B->value(), 30);
-    // Two channels changed, and their slots wrote the short form.
-    QCOMPARE(ui->Color_View->styleSheet(), QStringLiteral("background-color: rgb(10,255,30);"));
-    QCOMPARE(QColor(ui->GLWidget->pixelAt(0, 0)), QColor(10, 255, 30));
-    // The same colour again: only the dialog's own form is left.
-    driver.answerColor(QColor(10, 255, 30));
-    ui->Color_View->click();
-    QCOMPARE(ui->Color_View->styleSheet(),
-             QStringLiteral("background-color: rgb(10, 255, 30);color: rgb(255, 255, 255);"));
+    for (const char *look :
+         {"background-color: rgb(10,255,30);", "background-color: rgb(10, 255, 30);color: rgb(255, 255, 255);"}) {
+        driver.answerColor(QColor(10, 255, 30));
+        ui->Color_View->click();
+        QCOMPARE(window->foreColor, QColor(10, 255, 30));
+        QCOMPARE(ui->Color_B->value(), 30);
+        QCOMPARE(ui->Color_View->styleSheet(), QLatin1String(look));
+        QCOMPARE(QColor(ui->GLWidget->pixelAt(0, 0)), QColor(10, 255, 30));
+    }
     driver.answerColor(QColor());
     ui->Color_View->click();
     QCOMPARE(window->foreColor, QColor(10, 255, 30));
