@@ -1,60 +1,31 @@
 // The pattern panel on the real window: fields that keep each other in step, patterns written and read back.
-#include "app/mainwindow.h"
 #include "support/dialogdriver.h"
-#include "support/testenv.h"
-#include "support/windowcheck.h"
+#include "support/windowtest.h"
 #include "timeline/indicator.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineheaders.h"
 #include "timeline/timelineitem.h"
-#include "timeline/timescale.h"
 #include "ui_mainwindow.h"
 
-#include <QActionGroup>
-#include <QImage>
 #include <QMetaProperty>
 #include <QtTest>
 
-class TestEditor : public QObject
+class TestEditor : public WindowTest
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
     void timeFieldsKeepInStep();
     void countFollowsSpeedOrTyping();
     void addTwiceFollowsOn();
     void patternsComeBackWhole();
     void editingKeepsToTheItem();
     void foreignSettings();
-    void pictureTabFollowsItsFile();
-    void hoveringShowsTheBand();
-    void unknownPropMeansCustom();
 
 private:
     TimelineItem *addItem(const QString &settings, int startMs = 0, int speed = 0);
     QString shown(const QString &names) const;
-
-    QScopedPointer<TestEnv> env;
-    QScopedPointer<MainWindow> window;
-    Ui::MainWindow *ui = nullptr;
 };
-
-void TestEditor::init()
-{
-    env.reset(new TestEnv);
-    msPerPixel = 10.0F;
-    window.reset(new MainWindow);
-    ui = window->ui;
-    window->show();
-}
-
-void TestEditor::cleanup()
-{
-    window.reset();
-    env.reset();
-}
 
 TimelineItem *TestEditor::addItem(const QString &settings, int startMs, int speed)
 {
@@ -64,20 +35,18 @@ TimelineItem *TestEditor::addItem(const QString &settings, int startMs, int spee
     record.startTime = glow::timeOf(startMs);
     record.endTime = glow::timeOf(startMs + 2000);
     record.settingsText = settings;
-    auto *item = new TimelineItem(glow::writePattern(record), window->currentTimeline);
-    window->currentTimeline->addTimelineItem(item);
-    return item;
+    return add(glow::writePattern(record));
 }
 
 // What the named widgets show to the user.
 QString TestEditor::shown(const QString &names) const
 {
     QStringList texts;
-    for (const QString &name : names.split(u' ')) {
+    for (const QString &name : names.split(' ')) {
         const auto *widget = window->findChild<QWidget *>(name);
         texts << widget->metaObject()->userProperty().read(widget).toString();
     }
-    return texts.join(u' ');
+    return texts.join(' ');
 }
 
 void TestEditor::timeFieldsKeepInStep()
@@ -113,11 +82,11 @@ void TestEditor::countFollowsSpeedOrTyping()
     window->patternWidth = 500;
     ui->Speed_slide->setValue(12);
     ui->Mode_last->setValue(2.0);
-    QCOMPARE(shown(QStringLiteral("suggest Mode_loop")), QStringLiteral("7 7")); // 2 * 12 * 1500 / 5000 = 7.2
+    QCOMPARE(shown("suggest Mode_loop"), QString("7 7")); // 2 * 12 * 1500 / 5000 = 7.2
     ui->radio_speed_m->setChecked(true);
     QVERIFY(ui->Mode_loop->isEnabled());
     ui->Speed_slide->setValue(2);
-    QCOMPARE(shown(QStringLiteral("suggest Mode_loop")), QStringLiteral("1 7"));
+    QCOMPARE(shown("suggest Mode_loop"), QString("1 7"));
     ui->radio_speed_slide->setChecked(true);
     QVERIFY(!ui->Mode_loop->isEnabled());
     QCOMPARE(ui->Mode_loop->value(), 1);
@@ -128,7 +97,6 @@ void TestEditor::countFollowsSpeedOrTyping()
     ui->Mode_loop->setEnabled(true);
     ui->Mode_loop->setValue(4);
     QVERIFY(ui->radio_speed_slide->isChecked());
-    QApplication::setActiveWindow(window.data()); // without a window manager no window becomes active by itself
     ui->Mode_loop->setFocus();
     QTRY_VERIFY(ui->Mode_loop->hasFocus());
     QTest::keyClick(ui->Mode_loop, Qt::Key_Up);
@@ -140,86 +108,83 @@ void TestEditor::addTwiceFollowsOn()
 {
     window->on_Add_Button_clicked(); // there is no picture yet
     QCOMPARE(window->history.index, 0);
-
     ui->Mode_Pic->setCurrentIndex(1);
     window->foreColor = QColor(200, 100, 0);
     window->on_Mode_Pic_currentChanged(1);
     ui->Mode_t2->setTime(QTime(0, 0, 1, 500));
     window->on_Add_Button_clicked();
+    window->on_Addbutton_hovered(true);
+    QCOMPARE(window->currentTimeline->readyBand->geometry(), QRect(150, 0, 150, 55)); // where the next one goes
     window->on_Add_Button_clicked();
-    const auto items = window->currentTimeline->items;
-    QCOMPARE(items.size(), 2);
-    QCOMPARE(items.at(1)->startTime, QTime(0, 0, 1, 500));
-    QCOMPARE(items.at(1)->endTime, QTime(0, 0, 3));
-    QCOMPARE(items.at(1)->speedValue, 10);
-    QCOMPARE(items.at(1)->thumbnail.size(), QSize(85, 85));
-    QCOMPARE(items.at(1)->thumbnail.toImage().pixelColor(40, 40), QColor(200, 100, 0));
+    QCOMPARE(window->currentTimeline->items.size(), 2);
+    const TimelineItem *item = window->currentTimeline->items.last();
+    QCOMPARE(item->startTime, QTime(0, 0, 1, 500));
+    QCOMPARE(item->endTime, QTime(0, 0, 3));
+    QCOMPARE(item->speedValue, 10);
+    QCOMPARE(item->thumbnail.size(), QSize(85, 85));
+    QCOMPARE(item->thumbnail.toImage().pixelColor(40, 40), QColor(200, 100, 0));
     QCOMPARE(ui->timeline_headers->indicator->indicatorTime, QTime(0, 0, 3));
     QVERIFY(ui->NEW_radio->isChecked());
-    QVERIFY(ui->Saved_status->text().endsWith(QStringLiteral("2")));
+    QVERIFY(ui->Saved_status->text().endsWith("2"));
     QCOMPARE(window->history.index, 2);
     QVERIFY(!ui->Mode_loop->signalsBlocked());
-    QCOMPARE(whatIsWrong(*window), QString());
 }
 
 // Each pattern is loaded into a panel full of another one's settings, is shown, and written again as it was.
 void TestEditor::patternsComeBackWhole()
 {
-    const QString path = env->path(QStringLiteral("p.png"));
+    const QString path = env->path("p.png");
     QVERIFY(QImage(60, 40, QImage::Format_RGB32).save(path));
-    const QString colourFields = QStringLiteral("Color_R Color_G Color_B");
-    const QString pictureFields = QStringLiteral("Pic_Slide Pic_revH Pic_revV");
-    const QString textFields = QStringLiteral("text_Edit Font_size Text_slide Text_revH Text_revV");
-    const QString effectFields = QStringLiteral("Spe_width Spe_revH Spe_revV Spe_rnum Spe_gnum Spe_bnum");
-    struct Pattern
-    {
-        QString settings;
-        QString fields;
-        QString values;
-    };
+    const QStringList fields{"Pic_Slide Pic_revH Pic_revV", "Color_R Color_G Color_B",
+                             "text_Edit Font_size Text_slide Text_revH Text_revV",
+                             "Spe_width Spe_revH Spe_revV Spe_rnum Spe_gnum Spe_bnum"};
     int start = 0;
-    for (const Pattern &pattern : {
-             Pattern{QStringLiteral("0?3?%1?40|1|0").arg(path), pictureFields, QStringLiteral("40 true false")},
-             {QStringLiteral("0?3?%1?8|0|1").arg(path), pictureFields, QStringLiteral("8 false true")},
-             {QStringLiteral("2?3?#ff8040|#00005a|AB|1|4?7|0|1"), textFields, QStringLiteral("AB 5 7 false true")},
-             {QStringLiteral("3?3?#ff0000|#000001|5|1|9?0|1|0"), effectFields, QStringLiteral("9 true false 255 0 0")},
-             {QStringLiteral("1?#ff8040"), colourFields, QStringLiteral("255 128 64")},
-             {QStringLiteral("3?3?#102030|#0000ff|1|2|3?0|0|1"), effectFields, QStringLiteral("3 false true 16 32 48")},
-             {QStringLiteral("2?3?#00ff00|#123456|CD|0|9?5|1|0"), textFields, QStringLiteral("CD 10 5 true false")},
-             {QStringLiteral("1?#010203"), colourFields, QStringLiteral("1 2 3")},
-         }) {
-        const int kind = pattern.settings.at(0).digitValue();
+    for (const auto &[settings, values] : {std::pair<QString, QString>("0?3?" + path + "?40|1|0", "40 true false"),
+                                           {"0?3?" + path + "?8|0|1", "8 false true"},
+                                           {"2?3?#ff8040|#00005a|AB|1|4?7|0|1", "AB 5 7 false true"},
+                                           {"3?3?#ff0000|#000001|5|1|9?0|1|0", "9 true false 255 0 0"},
+                                           {"1?#ff8040", "255 128 64"},
+                                           {"3?3?#102030|#0000ff|1|2|3?0|0|1", "3 false true 16 32 48"},
+                                           {"2?3?#00ff00|#123456|CD|0|9?5|1|0", "CD 10 5 true false"},
+                                           {"1?#010203", "1 2 3"}}) {
+        const int kind = settings.left(1).toInt();
         // A colour is in fixed mode, whatever speed it holds.
-        TimelineItem *item = addItem(pattern.settings, start, kind == 1 ? 8 : 0);
+        TimelineItem *item = addItem(settings, start, kind == 1 ? 8 : 0);
         ui->radio_speed_slide->setChecked(true);
         window->loadItemToEditor(item);
         QVERIFY(ui->EDIT_radio->isChecked());
-        QCOMPARE(ui->Add_Button->text(), QStringLiteral("確認編輯"));
+        QCOMPARE(ui->Add_Button->text(), QString("確認編輯"));
         QCOMPARE(ui->Mode_Pic->currentIndex(), kind);
-        QCOMPARE(shown(pattern.fields), pattern.values);
+        QCOMPARE(shown(fields.at(kind)), values);
         QCOMPARE(ui->Mode_t1->time(), glow::timeOf(start));
         QCOMPARE(ui->Mode_t2->time(), glow::timeOf(start + 2000));
         QVERIFY(ui->radio_speed_m->isChecked());
         QCOMPARE(ui->Mode_loop->value(), 3);
 
         window->on_Add_Button_clicked();
-        QCOMPARE(item->settingsText, pattern.settings);
+        QCOMPARE(item->settingsText, settings);
         QCOMPARE(item->patternKind, kind);
         QCOMPARE(item->repeatCount, 3);
         QCOMPARE(item->speedValue, 0);
         QCOMPARE(item->thumbnail.height(), 85);
-        QCOMPARE(item->solidColor, kind == 1 ? QColor(pattern.settings.mid(2)) : QColor());
+        QCOMPARE(item->solidColor, kind == 1 ? QColor(settings.mid(2)) : QColor());
         start += 2000;
     }
     QCOMPARE(window->currentTimeline->items.size(), 8);
-    QCOMPARE(whatIsWrong(*window), QString());
+
+    ui->Mode_Pic->setCurrentIndex(1);
+    QVERIFY(QFile::remove(path) && ui->Add_Button->isEnabled());
+    ui->Mode_Pic->setCurrentIndex(0);
+    QVERIFY(!ui->Add_Button->isEnabled()); // its file is gone
 }
 
 void TestEditor::editingKeepsToTheItem()
 {
-    TimelineItem *first = addItem(QStringLiteral("1?#ff0000"), 1000);
-    TimelineItem *second = addItem(QStringLiteral("1?#ff0000"), 5000);
+    TimelineItem *first = addItem("1?#ff0000", 1000);
+    const TimelineItem *second = addItem("1?#ff0000", 5000);
     window->loadItemToEditor(first);
+    window->on_Addbutton_hovered(true);
+    QVERIFY(window->currentTimeline->readyBand->isHidden());
     ui->Mode_t2->setTime(QTime(0, 0, 5, 500));
     QCOMPARE(first->endTime, QTime(0, 0, 3)); // nothing changes until the button is pressed
     window->on_Add_Button_clicked();
@@ -235,62 +200,21 @@ void TestEditor::foreignSettings()
 {
     DialogDriver driver;
     driver.answerBox(QMessageBox::Ok);
-    window->loadItemToEditor(addItem(QStringLiteral("0?1?a.png")));
+    window->loadItemToEditor(addItem("0?1?a.png"));
     QVERIFY(driver.done());
-    QCOMPARE(driver.boxes().first().title, QStringLiteral("無法讀取"));
-    QCOMPARE(driver.boxes().first().text, QStringLiteral("儲存格式過舊，請使用舊版軟體(v2.9↓)進行轉檔"));
+    QCOMPARE(driver.boxes().first().title, QString("無法讀取"));
+    QCOMPARE(driver.boxes().first().text, QString("儲存格式過舊，請使用舊版軟體(v2.9↓)進行轉檔"));
     QCOMPARE(window->currentTimeline->items.size(), 1);
 
     // A kind that does not exist changes no tab, a mode that does not exist no mode.
     ui->Mode_Pic->setCurrentIndex(2);
-    window->loadItemToEditor(addItem(QStringLiteral("9?1?#ffffff|x?1|1|1")));
+    window->loadItemToEditor(addItem("9?1?#ffffff|x?1|1|1"));
     QCOMPARE(ui->Mode_Pic->currentIndex(), 2);
     ui->Spe_color3->setCheckState(Qt::PartiallyChecked);
-    window->loadItemToEditor(addItem(QStringLiteral("3?2?#ff0000|#000000|5|7|10?0|1|0"), 0, 8));
+    window->loadItemToEditor(addItem("3?2?#ff0000|#000000|5|7|10?0|1|0", 0, 8));
     QCOMPARE(ui->Spe_color3->checkState(), Qt::PartiallyChecked);
     QVERIFY(ui->radio_speed_slide->isChecked());
-    QCOMPARE(shown(QStringLiteral("Spe_width Speed_slide")), QStringLiteral("10 8"));
-}
-
-void TestEditor::pictureTabFollowsItsFile()
-{
-    const QString path = env->path(QStringLiteral("wide.png"));
-    QVERIFY(QImage(200, 100, QImage::Format_RGB32).save(path));
-    window->picload(path);
-    QCOMPARE(window->patternWidth, 140);
-    ui->Leds->setValue(36);
-    QCOMPARE(window->patternWidth, 72);
-
-    ui->Mode_Pic->setCurrentIndex(1);
-    QVERIFY(QFile::remove(path));
-    QVERIFY(ui->Add_Button->isEnabled());
-    ui->Mode_Pic->setCurrentIndex(0);
-    QVERIFY(!ui->Add_Button->isEnabled());
-}
-
-void TestEditor::hoveringShowsTheBand()
-{
-    ui->Mode_t1->setTime(QTime(0, 0, 1));
-    ui->Mode_last->setValue(2.0);
-    window->on_Addbutton_hovered(true);
-    const QWidget *band = window->currentTimeline->readyBand;
-    QVERIFY(!band->isHidden());
-    QCOMPARE(band->geometry(), QRect(100, 0, 200, 55));
-    window->on_Addbutton_hovered(false);
-    QVERIFY(band->isHidden());
-    ui->EDIT_radio->setChecked(true);
-    window->on_Addbutton_hovered(true);
-    QVERIFY(band->isHidden());
-}
-
-void TestEditor::unknownPropMeansCustom()
-{
-    for (const int stored : {99, -1}) {
-        env->setValue(QStringLiteral("main/gadget"), stored);
-        const MainWindow other;
-        QCOMPARE(other.gadgetGroup->checkedAction(), other.gadgetGroup->actions().first());
-        QVERIFY(other.ui->Leds->isEnabled());
-    }
+    QCOMPARE(shown("Spe_width Speed_slide"), QString("10 8"));
 }
 
 QTEST_MAIN(TestEditor)
