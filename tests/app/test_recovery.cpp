@@ -1,25 +1,21 @@
 // The copy of an unsaved show: when it is kept, when it goes, and what a next start finds.
-#include "app/mainwindow.h"
 #include "app/recovery.h"
 #include "smalldisk.h"
 #include "support/dialogdriver.h"
 #include "support/samples.h"
-#include "support/testenv.h"
-#include "support/windowcheck.h"
+#include "support/windowtest.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineitem.h"
-#include "timeline/timescale.h"
 #include "ui_mainwindow.h"
 
 #include <QtTest>
 
-class TestRecovery : public QObject
+class TestRecovery : public WindowTest
 {
     Q_OBJECT
 
 private slots:
     void init();
-    void cleanup();
     void formRefusesAnythingButAWholeFile();
     void livingProgramsAreLeftAlone();
     void changeIsKeptAndSavingRemovesIt();
@@ -28,44 +24,28 @@ private slots:
     void closingDecides();
 
 private:
-    void build();
-    void addColour();
+    void keepIn(std::unique_ptr<glow::RecoveryStore> store)
+    {
+        window->recovery = new Recovery(window.data(), std::move(store));
+        window->recovery->timer.stop();
+    }
+    void addColour()
+    {
+        window->ui->Mode_Pic->setCurrentIndex(1);
+        window->on_Add_Button_clicked();
+    }
     int keptFiles() const { return QDir(folder()).entryList({"*.show"}, QDir::Files).size(); }
     // Has the window looked at now, and tells how many shows lie in the folder then.
     int kept();
     QString folder() const { return env->path("data"); }
-
-    QScopedPointer<TestEnv> env;
-    QScopedPointer<MainWindow> window;
 };
 
 void TestRecovery::init()
 {
-    env.reset(new TestEnv);
-    msPerPixel = 10.0F;
-    build();
-}
-
-void TestRecovery::cleanup()
-{
-    window.reset();
-    env.reset();
-}
-
-void TestRecovery::build()
-{
-    window.reset();
-    window.reset(new MainWindow);
-    window->recovery = new Recovery(window.data(), std::make_unique<glow::RecoveryStore>(folder()));
-    window->recovery->timer.stop();
+    WindowTest::init();
+    keepIn(std::make_unique<glow::RecoveryStore>(folder()));
     window->currentFile = env->path("mine.gsw3");
     window->hasFile = true;
-}
-
-void TestRecovery::addColour()
-{
-    window->ui->Mode_Pic->setCurrentIndex(1);
-    window->on_Add_Button_clicked();
 }
 
 int TestRecovery::kept()
@@ -156,8 +136,7 @@ void TestRecovery::leftoverComesBackAsItWas()
     glow::UnsavedShow show;
     QVERIFY(store->findLeftover(show));
     window.reset(new MainWindow);
-    window->recovery = new Recovery(window.data(), std::move(store));
-    window->recovery->timer.stop();
+    keepIn(std::move(store));
     {
 #ifdef Q_OS_UNIX
         const SmallDisk disk(fullDisk ? 100 : RLIM_INFINITY);
@@ -171,7 +150,6 @@ void TestRecovery::leftoverComesBackAsItWas()
     QVERIFY(window->recovery->hasUnsaved());
     QCOMPARE(keptFiles(), 1); // this run's own copy, or still the earlier one
     QCOMPARE(QFile::exists(file), fullDisk);
-    QCOMPARE(whatIsWrong(*window), QString());
     QCOMPARE(contentOf(window->currentFile), QByteArray("the user's own"));
     window->on_actionSave_triggered();
     QCOMPARE(keptFiles(), 0);
@@ -180,15 +158,14 @@ void TestRecovery::leftoverComesBackAsItWas()
 void TestRecovery::closingDecides()
 {
     for (const bool save : {true, false}) {
-        build();
         addColour();
         window->hasFile = false;
+        window->show();
         DialogDriver driver;
         driver.answerBox(save ? QMessageBox::Save : QMessageBox::No);
         if (save) {
             driver.answerFile({}); // no name given: the show is not saved, and what nobody has looked at yet is kept
         }
-        window->show();
         QVERIFY(window->close());
         QVERIFY(driver.done());
         window->recovery->waitForWriting();
