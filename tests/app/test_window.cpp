@@ -1,39 +1,191 @@
 // The window's shell: construction, closing, new, keys, dropped files, the gadget menu, the status text.
-#include "app/mainwindow.h"
 #include "app/propvalues.h"
 #include "support/dialogdriver.h"
-#include "support/testenv.h"
-#include "support/windowcheck.h"
+#include "support/windowtest.h"
 #include "timeline/timeline.h"
-#include "timeline/timelineitem.h"
-#include "timeline/timescale.h"
 #include "ui_mainwindow.h"
 
 #include <QActionGroup>
-#include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMetaMethod>
 #include <QMimeData>
-#include <QUrl>
 #include <QtTest>
 
-class TestWindow : public QObject
+class TestWindow : public WindowTest
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
-    void slotsHaveTheirWidgets();
-    void startsFromTheSettings();
-    void gadgetRowSetsBothNumbers();
-    void noStoredGadgetMeansNoNumbers();
-    void closingAsksEveryTime();
-    void newStartsAfreshOrForgetsTheFile();
-    void deleteNeedsAnItem();
-    void languageIsForTheNextStart();
-    void firstDroppedFileCounts();
-    void titleMarkTakesTheSecondBlank();
+    // A widget renamed in the form would leave its slot without a caller, and nobody would say so.
+    void slotsHaveTheirWidgets()
+    {
+        QStringList lonely;
+        const QMetaObject &type = MainWindow::staticMetaObject;
+        for (int i = type.methodOffset(); i < type.methodCount(); ++i) {
+            const QString name = type.method(i).name();
+            const QObject *sender = window->findChild<QObject *>(name.mid(3).section('_', 0, -2));
+            bool called = !name.startsWith("on_");
+            for (int j = 0; sender != nullptr && j < sender->metaObject()->methodCount(); ++j) {
+                called = called || sender->metaObject()->method(j).name() == name.section('_', -1);
+            }
+            if (!called) {
+                lonely << name.mid(3);
+            }
+        }
+        lonely.sort();
+        // Of tracks, patterns and their menus, connected where these are made; and those that nothing calls.
+        QCOMPARE(lonely, QStringList({"Addbutton_hovered", "Song_rate_valueChanged", "Song_rec_clicked",
+                                      "action_LED_M_triggered", "itemCopy_clicked", "itemPaste_clicked",
+                                      "timelineItem_Clicked", "timelineItem_dragEnd", "timeline_Pressed",
+                                      "timeline_dragIn", "timeline_scrolled", "tlDuplicated_clicked"}));
+    }
+
+    void startsFromTheSettings()
+    {
+        QCOMPARE(window->timelines, QList<Timeline *>{window->currentTimeline});
+        QCOMPARE(window->history.index, 0);
+        QCOMPARE(ui->statusBar->currentMessage(), QString("WELCOME!!"));
+        QCOMPARE(ui->Song_Slider->maximum(), 300000);
+        QCOMPARE(ui->Mode_Pic->currentIndex(), 0);
+        QVERIFY(!ui->Add_Button->isEnabled());
+        QVERIFY(ui->actionChinese->isChecked());
+        QCOMPARE(window->picPath, QDir::homePath() + "/Pictures");
+        QCOMPARE(window->currentFile, QDir::homePath() + "/Documents");
+        env->setValue("main/currentpicpath", "/p/a.png");
+        env->setValue("main/currentfile", "/s/b.gsw3");
+        env->setValue("main/language", 2);
+        build();
+        QCOMPARE(window->picPath, QString("/p/a.png"));
+        QCOMPARE(window->currentFile, QString("/s/b.gsw3"));
+        QVERIFY(!window->hasFile);
+        QVERIFY(ui->actionEnglish->isChecked() && !ui->actionChinese->isChecked());
+    }
+
+    void gadgetRowSetsBothNumbers()
+    {
+        QCOMPARE(window->gadgetGroup->actions().size(), 6);
+        QVERIFY(gadget(3)->isChecked());
+        gadget(2)->trigger();
+        build(); // the choice lasts
+        QVERIFY(gadget(2)->isChecked());
+        QCOMPARE(ledCount, qint16(48));
+        QCOMPARE(frameRate, 1100.0F);
+        QCOMPARE(ui->FPS_V->value(), 1100);
+        QCOMPARE(ui->gadget_name->text(), QString("Brevon Alto-48LED"));
+
+        gadget(0)->trigger(); // custom: the numbers stay and can be typed
+        QVERIFY(ui->Leds->isEnabled() && ui->FPS_V->isEnabled());
+        QCOMPARE(ui->Leds->value(), 48);
+        QCOMPARE(env->value("main/gadget").toInt(), 2);
+        ui->FPS_V->setValue(1200);
+        QCOMPARE(frameRate, 1200.0F);
+        gadget(1)->trigger();
+        QVERIFY(!ui->Leds->isEnabled() && !ui->FPS_V->isEnabled());
+    }
+
+    void storedGadgetMayBeNone()
+    {
+        env->setValue("main/language", 0);
+        for (const int stored : {0, 99, -1}) {
+            env->setValue("main/gadget", stored);
+            ledCount = 0;
+            frameRate = 0;
+            build();
+            QVERIFY(gadget(0)->isChecked() && ui->Leds->isEnabled());
+            QVERIFY(!ui->actionChinese->isChecked());
+            // Text and effect without a height: nothing to divide by, nothing to crash on.
+            for (int tab = 0; tab < 4; ++tab) {
+                ui->Mode_Pic->setCurrentIndex(tab);
+                QVERIFY(window->suggestRepeat() >= 1);
+            }
+        }
+    }
+
+    void closingAsksEveryTime()
+    {
+        for (const auto answer : {QMessageBox::Cancel, QMessageBox::No, QMessageBox::Save}) {
+            const QString path = env->path("show.gsw3");
+            window->currentFile = path;
+            window->hasFile = true;
+            env->setValue("window/size", QSize());
+            window->resize(1111, 777);
+            window->show();
+            DialogDriver driver;
+            driver.answerBox(answer);
+            QCOMPARE(window->close(), answer != QMessageBox::Cancel);
+            QVERIFY(driver.done());
+            const DialogDriver::Box box = driver.boxes().first();
+            QCOMPARE(box.title, QString());
+            QCOMPARE(box.text, QString("<font color='white'>關閉前儲存？</font>"));
+            QCOMPARE(box.buttons, QMessageBox::Save | QMessageBox::No | QMessageBox::Cancel);
+            QCOMPARE(box.defaultButton, QMessageBox::Save);
+            QCOMPARE(env->value("window/size").toSize(), QSize(1111, 777));
+            QCOMPARE(env->value("window/maximize").toString(), QString("false"));
+            QCOMPARE(QFile::exists(path), answer == QMessageBox::Save);
+        }
+    }
+
+    void newStartsAfreshOrForgetsTheFile()
+    {
+        ui->Mode_Pic->setCurrentIndex(1);
+        window->on_Add_Button_clicked();
+        window->on_timelineItem_Clicked(window->currentTimeline->items.first(), false);
+        window->setWindowTitle("Glowsmith - a.gsw3  ");
+        for (const auto answer : {QMessageBox::Cancel, QMessageBox::Yes}) {
+            window->hasFile = true;
+            DialogDriver driver;
+            driver.answerBox(answer);
+            QCOMPARE(window->on_actionNew_triggered(), answer == QMessageBox::Yes);
+            QVERIFY(driver.done());
+            QCOMPARE(driver.boxes().first().buttons, QMessageBox::Yes | QMessageBox::Cancel);
+            QCOMPARE(driver.boxes().first().defaultButton, QMessageBox::Cancel);
+            QVERIFY(!window->hasFile);
+            QCOMPARE(window->history.index, 0);
+            window->on_actionUndo_triggered();
+            QCOMPARE(window->currentTimeline->items.size(), answer == QMessageBox::Yes ? 0 : 1);
+        }
+        QVERIFY(window->currentItem == nullptr && window->previewItem == nullptr);
+        QVERIFY(ui->NEW_radio->isChecked());
+        QCOMPARE(ui->Mode_t1->time(), QTime(0, 0));
+        QCOMPARE(ui->Mode_t2->time(), QTime(0, 0, 5));
+        QCOMPARE(window->windowTitle(), QString("Glowsmith"));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(window->findChildren<Timeline *>().size(), 1);
+    }
+
+    void languageIsForTheNextStart()
+    {
+        DialogDriver driver;
+        for (QAction *action : {ui->actionEnglish, ui->actionChinese}) {
+            const bool english = action == ui->actionEnglish;
+            driver.answerBox(QMessageBox::Ok);
+            action->trigger();
+            QCOMPARE(driver.boxes().last().text, QString(english ? "Change after restart." : "重啟程式後生效"));
+            QCOMPARE(env->value("main/language").toInt(), english ? 2 : 1);
+            QVERIFY(driver.done());
+        }
+    }
+
+    void firstDroppedFileCounts()
+    {
+        const QString first = env->path("a.png");
+        QVERIFY(QImage(10, 10, QImage::Format_RGB32).save(first));
+        ui->Mode_Pic->setCurrentIndex(2);
+        drop({"file://" + first, "file:///b.PNG"});
+        QCOMPARE(ui->PicDir->text(), first);
+        QCOMPARE(ui->Mode_Pic->currentIndex(), 0);
+        drop({"http://localhost/a.bmp"}); // no local file: nothing
+
+        DialogDriver driver;
+        for (const QString suffix : {"PNG", "bmp"}) {
+            driver.answerBox(QMessageBox::Ok);
+            drop({"file:///a." + suffix});
+            QCOMPARE(driver.boxes().last().text, "無法辨識的副檔名 ." + suffix);
+        }
+        QVERIFY(driver.done());
+        QCOMPARE(driver.boxes().size(), 2);
+        QCOMPARE(ui->PicDir->text(), first);
+    }
 
 private:
     void build()
@@ -41,250 +193,20 @@ private:
         window.reset();
         window.reset(new MainWindow);
         ui = window->ui;
-        window->show();
     }
-    void addColour()
+    void drop(const QStringList &urls)
     {
-        ui->Mode_Pic->setCurrentIndex(1);
-        window->on_Add_Button_clicked();
+        QMimeData data;
+        data.setUrls(QUrl::fromStringList(urls));
+        QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(window.data(), &enter);
+        QVERIFY(enter.isAccepted());
+        QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(window.data(), &event);
     }
-    void drop(const QList<QUrl> &urls);
+
     QAction *gadget(int position) { return window->gadgetGroup->actions().at(position); }
-
-    QScopedPointer<TestEnv> env;
-    QScopedPointer<MainWindow> window;
-    Ui::MainWindow *ui = nullptr;
 };
-
-void TestWindow::init()
-{
-    env.reset(new TestEnv);
-    msPerPixel = 10.0F;
-    ledCount = 0;
-    frameRate = 0;
-    build();
-}
-
-void TestWindow::cleanup()
-{
-    window.reset();
-    env.reset();
-}
-
-void TestWindow::drop(const QList<QUrl> &urls)
-{
-    QMimeData data;
-    data.setUrls(urls);
-    QDragEnterEvent enter(QPoint(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(window.data(), &enter);
-    QVERIFY(enter.isAccepted());
-    QDropEvent event(QPointF(5, 5), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(window.data(), &event);
-}
-
-// A widget renamed in the form would leave its slot without a caller, and nobody would say so.
-void TestWindow::slotsHaveTheirWidgets()
-{
-    QStringList lonely;
-    const QMetaObject &type = MainWindow::staticMetaObject;
-    for (int i = type.methodOffset(); i < type.methodCount(); ++i) {
-        const QString name = QString::fromLatin1(type.method(i).name());
-        const QObject *sender =
-            name.startsWith("on_") ? window->findChild<QObject *>(name.mid(3).section('_', 0, -2)) : nullptr;
-        bool signal = false;
-        for (int j = 0; sender != nullptr && j < sender->metaObject()->methodCount(); ++j)
-            signal = signal || sender->metaObject()->method(j).name() == name.section('_', -1).toLatin1();
-        if (name.startsWith("on_") && !signal)
-            lonely << name.mid(3);
-    }
-    lonely.sort();
-    // Of tracks, patterns and their menus, connected where these are made; and those that nothing calls.
-    QCOMPARE(lonely,
-             QStringList({"Addbutton_hovered", "Song_rate_valueChanged", "Song_rec_clicked", "action_LED_M_triggered",
-                          "itemCopy_clicked", "itemPaste_clicked", "timelineItem_Clicked", "timelineItem_dragEnd",
-                          "timeline_Pressed", "timeline_dragIn", "timeline_scrolled", "tlDuplicated_clicked"}));
-}
-
-void TestWindow::startsFromTheSettings()
-{
-    QCOMPARE(window->timelines, QList<Timeline *>{window->currentTimeline});
-    QCOMPARE(window->history.index, 0);
-    QCOMPARE(ui->statusBar->currentMessage(), QString("WELCOME!!"));
-    QCOMPARE(ui->Song_Slider->maximum(), 300000);
-    QCOMPARE(ui->Mode_Pic->currentIndex(), 0);
-    QVERIFY(!ui->Add_Button->isEnabled());
-    QVERIFY(ui->actionChinese->isChecked());
-    QCOMPARE(window->picPath, QDir::homePath() + "/Pictures");
-    QCOMPARE(window->currentFile, QDir::homePath() + "/Documents");
-    env->setValue("main/currentpicpath", "/p/a.png");
-    env->setValue("main/currentfile", "/s/b.gsw3");
-    env->setValue("main/language", 2);
-    build();
-    QCOMPARE(window->picPath, QString("/p/a.png"));
-    QCOMPARE(window->currentFile, QString("/s/b.gsw3"));
-    QVERIFY(!window->hasFile);
-    QVERIFY(ui->actionEnglish->isChecked());
-    QVERIFY(!ui->actionChinese->isChecked());
-}
-
-void TestWindow::gadgetRowSetsBothNumbers()
-{
-    QCOMPARE(window->gadgetGroup->actions().size(), 6);
-    QVERIFY(gadget(3)->isChecked());
-    gadget(2)->trigger();
-    build(); // the choice lasts
-    QVERIFY(gadget(2)->isChecked());
-    QCOMPARE(ledCount, qint16(48));
-    QCOMPARE(frameRate, 1100.0F);
-    QCOMPARE(ui->FPS_V->value(), 1100);
-    QCOMPARE(ui->gadget_name->text(), QString("Brevon Alto-48LED"));
-
-    gadget(0)->trigger(); // custom: the numbers stay and can be typed
-    QVERIFY(ui->Leds->isEnabled() && ui->FPS_V->isEnabled());
-    QCOMPARE(ui->Leds->value(), 48);
-    QCOMPARE(env->value("main/gadget").toInt(), 2);
-    ui->FPS_V->setValue(1200);
-    QCOMPARE(frameRate, 1200.0F);
-    gadget(1)->trigger();
-    QVERIFY(!ui->Leds->isEnabled() && !ui->FPS_V->isEnabled());
-}
-
-void TestWindow::noStoredGadgetMeansNoNumbers()
-{
-    env->setValue("main/gadget", 0);
-    env->setValue("main/language", 0);
-    build();
-    QVERIFY(gadget(0)->isChecked());
-    QVERIFY(!ui->actionChinese->isChecked());
-    // Text and effect without a height: nothing to divide by, nothing to crash on.
-    for (int tab = 0; tab < 4; ++tab) {
-        ui->Mode_Pic->setCurrentIndex(tab);
-        QVERIFY(window->suggestRepeat() >= 1);
-    }
-    env->setValue("main/gadget", 99);
-    build();
-    QCOMPARE(whatIsWrong(*window), QString());
-}
-
-void TestWindow::closingAsksEveryTime()
-{
-    for (const auto answer : {QMessageBox::Cancel, QMessageBox::No, QMessageBox::Save}) {
-        const QString path = env->path("show.gsw3");
-        window->currentFile = path;
-        window->hasFile = true;
-        env->setValue("window/size", QSize());
-        window->resize(1111, 777);
-        window->show();
-        DialogDriver driver;
-        driver.answerBox(answer);
-        QCOMPARE(window->close(), answer != QMessageBox::Cancel);
-        QVERIFY(driver.done());
-        const DialogDriver::Box box = driver.boxes().first();
-        QCOMPARE(box.title, QString());
-        QCOMPARE(box.text, QString("<font color='white'>關閉前儲存？</font>"));
-        QCOMPARE(box.buttons, QMessageBox::Save | QMessageBox::No | QMessageBox::Cancel);
-        QCOMPARE(box.defaultButton, QMessageBox::Save);
-        QCOMPARE(env->value("window/size").toSize(), QSize(1111, 777));
-        QCOMPARE(env->value("window/maximize").toString(), QString("false"));
-        QCOMPARE(QFile::exists(path), answer == QMessageBox::Save);
-    }
-}
-
-void TestWindow::newStartsAfreshOrForgetsTheFile()
-{
-    addColour();
-    window->on_timelineItem_Clicked(window->currentTimeline->items.first(), false);
-    window->setWindowTitle("Glowsmith - a.gsw3  ");
-    for (const auto answer : {QMessageBox::Cancel, QMessageBox::Yes}) {
-        window->hasFile = true;
-        DialogDriver driver;
-        driver.answerBox(answer);
-        QCOMPARE(window->on_actionNew_triggered(), answer == QMessageBox::Yes);
-        QVERIFY(driver.done());
-        QCOMPARE(driver.boxes().first().buttons, QMessageBox::Yes | QMessageBox::Cancel);
-        QCOMPARE(driver.boxes().first().defaultButton, QMessageBox::Cancel);
-        QVERIFY(!window->hasFile);
-        QCOMPARE(window->history.index, 0);
-        window->on_actionUndo_triggered();
-        QCOMPARE(window->currentTimeline->items.size(), answer == QMessageBox::Yes ? 0 : 1);
-    }
-    QVERIFY(window->currentItem == nullptr && window->previewItem == nullptr);
-    QVERIFY(ui->NEW_radio->isChecked());
-    QCOMPARE(ui->Mode_t1->time(), QTime(0, 0));
-    QCOMPARE(ui->Mode_t2->time(), QTime(0, 0, 5));
-    QCOMPARE(window->windowTitle(), QString("Glowsmith"));
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    QCOMPARE(whatIsWrong(*window), QString());
-    QCOMPARE(window->findChildren<Timeline *>().size(), 1);
-}
-
-void TestWindow::deleteNeedsAnItem()
-{
-    addColour();
-    TimelineItem *item = window->currentTimeline->items.first();
-    QScrollBar *bar = ui->timeline_scroll->horizontalScrollBar();
-    QTRY_VERIFY(bar->maximum() > 500);
-    bar->setValue(321);
-    QTest::keyClick(window.data(), Qt::Key_Delete); // the item is not in the editor
-    QCOMPARE(window->currentTimeline->items.size(), 1);
-    window->on_timelineItem_Clicked(item, false);
-    bar->setValue(321);
-    QTest::keyClick(window.data(), Qt::Key_Delete);
-    QVERIFY(window->currentTimeline->items.isEmpty());
-    QVERIFY(item->isHidden() && item->parentWidget() == nullptr);
-    QVERIFY(ui->NEW_radio->isChecked());
-    QCOMPARE(ui->Saved_status->text(), QString("圖樣數：0"));
-    QCOMPARE(bar->value(), 321);
-}
-
-void TestWindow::languageIsForTheNextStart()
-{
-    DialogDriver driver;
-    for (QAction *action : {ui->actionEnglish, ui->actionChinese}) {
-        const bool english = action == ui->actionEnglish;
-        driver.answerBox(QMessageBox::Ok);
-        action->trigger();
-        QCOMPARE(driver.boxes().last().text, QString(english ? "Change after restart." : "重啟程式後生效"));
-        QCOMPARE(env->value("main/language").toInt(), english ? 2 : 1);
-        QVERIFY(driver.done());
-    }
-}
-
-void TestWindow::firstDroppedFileCounts()
-{
-    const QString first = env->path("a.png");
-    const QString second = env->path("b.png");
-    QImage picture(10, 10, QImage::Format_RGB32);
-    picture.fill(Qt::red);
-    QVERIFY(picture.save(first) && picture.save(second));
-    ui->Mode_Pic->setCurrentIndex(2);
-    drop({QUrl::fromLocalFile(first), QUrl::fromLocalFile(second)});
-    QCOMPARE(ui->PicDir->text(), first);
-    QCOMPARE(ui->Mode_Pic->currentIndex(), 0);
-    drop({QUrl("http://localhost/a.bmp")}); // no local file: nothing
-
-    DialogDriver driver;
-    for (const QString suffix : {"PNG", "bmp"}) {
-        driver.answerBox(QMessageBox::Ok);
-        drop({QUrl::fromLocalFile("/a." + suffix)});
-        QCOMPARE(driver.boxes().last().text, "無法辨識的副檔名 ." + suffix);
-    }
-    QVERIFY(driver.done());
-    QCOMPARE(driver.boxes().size(), 2);
-    QCOMPARE(ui->PicDir->text(), first);
-}
-
-void TestWindow::titleMarkTakesTheSecondBlank()
-{
-    addColour();
-    QCOMPARE(window->windowTitle(), QString("Glowsmith"));
-    window->setWindowTitle("Glowsmith - a.gsw3  ");
-    window->updateStatus();
-    QCOMPARE(window->windowTitle(), QString("Glowsmith - a.gsw3  "));
-    addColour();
-    QCOMPARE(window->windowTitle(), QString("Glowsmith - a.gsw3 *"));
-    QVERIFY(window->modified);
-}
 
 QTEST_MAIN(TestWindow)
 #include "test_window.moc"
