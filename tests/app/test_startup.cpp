@@ -10,17 +10,14 @@
 #include "app/startup.h"
 #include "library/httpserver.h"
 #include "support/dialogdriver.h"
+#include "support/samples.h"
+#include "support/testenv.h"
 #include "timeline/timeline.h"
 #include "ui_mainwindow.h"
 
 #include <QActionGroup>
-#include <QApplication>
-#include <QIcon>
 #include <QProcess>
 #include <QSettings>
-#include <QTemporaryDir>
-#include <QTextStream>
-#include <QTimer>
 #include <QtTest>
 
 namespace {
@@ -123,200 +120,149 @@ class TestStartup : public QObject
     Q_OBJECT
 
 private slots:
-    void init();
-    void startsAsTheSettingsSay();
-    void projectOfTheDialogComesLast();
-    void asksBeforeItCloses();
-    void silentNetworkHoldsNothingBack();
-    void acceptedUpdateEndsTheProgram();
-    void theProgramItself();
+    void init()
+    {
+        env.reset(new TestEnv);
+        server.reset(new HttpServer);
+        QVERIFY(server->isListening());
+        server->answer("3.104\n");
+        qputenv("GLOWSMITH_UPDATE_URL", server->url());
+    }
+
+    void cleanup() { env.reset(); }
+
+    void startsAsTheSettingsSay()
+    {
+        const struct
+        {
+            const char *script;
+            QVariantMap stored;
+            QStringList told; // lines among those of the child
+            QVariantMap kept;
+        } starts[] = {
+            {"new,close",
+             {},
+             {"start=about", "early window=no", "title=Glowsmith", "menu=檔案", "gadget=3", "language=0", "leds=70",
+              "icon=yes", "question=<font color='white'>關閉前儲存？</font>"},
+             {{"main/version", "3.104"}, {"main/language", "1"}, {"main/gadget", "3"}}},
+            {"escape,close",
+             {{"main/language", 2}, {"main/gadget", 2}, {"window/size", QSize(1234, 800)}},
+             {"menu=File", "gadget=2", "language=1", "size=1234x800",
+              "question=<font color='white'>Save before close？</font>"},
+             {{"main/language", "2"}, {"main/gadget", "2"}}},
+            {"new,close",
+             {{"main/language", 7}, {"window/size", "nonsense"}},
+             {"menu=檔案", "gadget=0", "language=-1", "size=1000x720"},
+             {{"main/language", "7"}, {"main/gadget", QVariant()}}},
+        };
+        for (const auto &start : starts) {
+            QSettings("Vantorel", "Glowsmith").clear();
+            for (auto one = start.stored.constBegin(); one != start.stored.constEnd(); ++one) {
+                env->setValue(one.key(), one.value());
+            }
+            const QStringList lines = run(start.script);
+            for (const QString &line : start.told + QStringList{"ended=well", "unexpected="}) {
+                QVERIFY2(lines.contains(line), qPrintable(line + " is not in\n" + lines.join('\n')));
+            }
+            for (auto one = start.kept.constBegin(); one != start.kept.constEnd(); ++one) {
+                QCOMPARE(env->value(one.key()).toString(), one.value().toString());
+            }
+        }
+    }
+
+    void projectOfTheDialogComesLast()
+    {
+        const QString path = show("show.gsw3", 55, 3);
+        const QDateTime before = QFileInfo(path).lastModified();
+        const QString opened = run("new,save", {path}).join(' ');
+        QVERIFY2(opened.contains("title=Glowsmith - show.gsw3   patterns=3 leds=55"), qPrintable(opened));
+        QVERIFY2(opened.contains("after cancel=open"), qPrintable(opened));
+        QVERIFY(env->value("window/size").isValid());
+        QCOMPARE(env->value("main/currentfile").toString(), path);
+        QVERIFY(QFileInfo(path).lastModified() > before);
+
+        env->setValue("main/currentfile", show("last.gsw3", 66, 2));
+        server->response.clear(); // an update server that keeps silent holds nothing back
+        const QString both = run("current,close", {path}).join(' ');
+        QVERIFY2(both.contains("title=Glowsmith - last.gsw3   patterns=2 leds=66"), qPrintable(both));
+    }
+
+    void acceptedUpdateEndsTheProgram()
+    {
+        server->answer("9.9\nnote");
+        const QStringList updated = run("update,close"); // there is no updater to start, which troubles nobody
+        QVERIFY(updated.contains("ended=well"));
+        QVERIFY(updated.filter("title=").isEmpty()); // no window was built
+    }
+
+    void theProgramItself()
+    {
+        const QString xdotool = QStandardPaths::findExecutable("xdotool");
+        if (xdotool.isEmpty() || QGuiApplication::platformName() != "xcb") {
+            QSKIP("needs xdotool and an X display");
+        }
+        // Presses the keys in the first visible window whose title matches; false if there is none.
+        const auto press = [&xdotool](const QString &title, const QString &keys) {
+            QProcess search;
+            search.start(xdotool, {"search", "--onlyvisible", "--name", title});
+            search.waitForFinished();
+            const QString window = QString::fromLatin1(search.readAllStandardOutput()).section('\n', 0, 0);
+            return !window.isEmpty() && QProcess::execute(xdotool, {"windowfocus", window, "key", keys}) == 0;
+        };
+        const QString path = show("itself.gsw3", 55, 2);
+        const QDateTime before = QFileInfo(path).lastModified();
+
+        QProcess program;
+        program.start(GLOWSMITH_PROGRAM, {path});
+        QVERIFY(program.waitForStarted());
+        // A window that has only just come up may not take keys yet, so they are pressed until they have worked.
+        const auto saved = [&] {
+            press("^Glowsmith$", "Return");
+            press("^Glowsmith - itself.gsw3 ", "ctrl+s");
+            return QFileInfo(path).lastModified() > before;
+        };
+        QTRY_VERIFY_WITH_TIMEOUT(saved(), 90000);
+        QTRY_COMPARE(env->value("main/currentfile").toString(), path);
+        program.kill();
+        program.waitForFinished();
+    }
 
 private:
     // Runs the child to its end; what it told is empty unless it ended well.
-    QStringList run(const QString &script, const QStringList &arguments = {}) const;
-    QProcessEnvironment environment() const;
-    QVariant setting(const QString &key) const { return QSettings(settingsFile(), QSettings::IniFormat).value(key); }
-    void set(const QString &key, const QVariant &value) const
+    static QStringList run(const QString &script, const QStringList &arguments = {})
     {
-        QSettings(settingsFile(), QSettings::IniFormat).setValue(key, value);
+        QProcess process;
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(childMark, script);
+        process.setProcessEnvironment(environment);
+        process.start(QCoreApplication::applicationFilePath(), arguments);
+        // The server runs in this process, so its event loop must go on.
+        const bool ended = QTest::qWaitFor([&] { return process.state() == QProcess::NotRunning; }, 150000);
+        process.kill();
+        process.waitForFinished();
+        if (!ended || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
+            qWarning().noquote() << process.readAllStandardError();
+            return {};
+        }
+        return ("ended=well\n" + QString::fromUtf8(process.readAllStandardOutput())).split('\n');
     }
-    QString settingsFile() const { return dir->filePath("config/Vantorel/Glowsmith.conf"); }
-    QString show(const QString &name, qint16 leds, int patterns) const;
 
-    QScopedPointer<QTemporaryDir> dir;
+    // The path of a new show file.
+    QString show(const QString &name, qint16 leds, int patterns) const
+    {
+        glow::Project project;
+        project.ledCount = leds;
+        project.frameRate = 1000;
+        project.tracks.resize(1);
+        for (int i = 0; i < patterns; ++i) {
+            project.tracks.first().append(patternBlob(glow::composeColour(Qt::red), i * 1000));
+        }
+        return put(env->path(name), glow::writeProject(project)) ? env->path(name) : QString();
+    }
+
+    QScopedPointer<TestEnv> env;
     QScopedPointer<HttpServer> server;
 };
-
-void TestStartup::init()
-{
-    dir.reset(new QTemporaryDir);
-    QVERIFY(QDir(dir->path()).mkpath("config/Vantorel"));
-    server.reset(new HttpServer);
-    QVERIFY(server->isListening());
-    server->answer("3.104\n");
-}
-
-QProcessEnvironment TestStartup::environment() const
-{
-    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert("HOME", dir->path());
-    environment.insert("XDG_CONFIG_HOME", dir->filePath("config"));
-    environment.insert("GLOWSMITH_UPDATE_URL", server->url());
-    return environment;
-}
-
-QStringList TestStartup::run(const QString &script, const QStringList &arguments) const
-{
-    QProcess process;
-    QProcessEnvironment settings = environment();
-    settings.insert(childMark, script);
-    process.setProcessEnvironment(settings);
-    process.setWorkingDirectory(dir->path());
-    process.start(QCoreApplication::applicationFilePath(), arguments);
-    // The server runs in this process, so its event loop must go on.
-    const bool ended = QTest::qWaitFor([&] { return process.state() == QProcess::NotRunning; }, 150000);
-    process.kill();
-    process.waitForFinished();
-    if (!ended || process.exitStatus() != QProcess::NormalExit || process.exitCode() != 0) {
-        qWarning().noquote() << process.readAllStandardError();
-        return {};
-    }
-    return ("ended=well\n" + QString::fromUtf8(process.readAllStandardOutput())).split('\n');
-}
-
-QString TestStartup::show(const QString &name, qint16 leds, int patterns) const
-{
-    glow::Project project;
-    project.ledCount = leds;
-    project.frameRate = 1000;
-    project.tracks.resize(1);
-    for (int i = 0; i < patterns; ++i) {
-        glow::PatternRecord record;
-        record.startTime = glow::timeOf(i * 1000);
-        record.endTime = glow::timeOf(i * 1000 + 900);
-        record.repeatCount = 1;
-        record.patternKind = glow::ColourPattern;
-        record.settingsText = glow::composeColour(Qt::red);
-        project.tracks.first().append(glow::writePattern(record));
-    }
-    const QString path = dir->filePath(name);
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(glow::writeProject(project)) > 0 ? path : QString();
-}
-
-void TestStartup::startsAsTheSettingsSay()
-{
-    const struct
-    {
-        const char *script;
-        QVariantMap stored;
-        QStringList told; // lines among those of the child
-        QVariantMap kept;
-    } starts[] = {
-        {"new,close",
-         {},
-         {"start=about", "early window=no", "title=Glowsmith", "menu=檔案", "gadget=3", "language=0", "leds=70",
-          "icon=yes", "question=<font color='white'>關閉前儲存？</font>"},
-         {{"main/version", "3.104"}, {"main/language", "1"}, {"main/gadget", "3"}}},
-        {"escape,close",
-         {{"main/language", 2}, {"main/gadget", 2}, {"window/size", QSize(1234, 800)}},
-         {"menu=File", "gadget=2", "language=1", "size=1234x800",
-          "question=<font color='white'>Save before close？</font>"},
-         {{"main/language", "2"}, {"main/gadget", "2"}}},
-        {"new,close",
-         {{"main/language", 7}, {"window/size", "nonsense"}},
-         {"menu=檔案", "gadget=0", "language=-1", "size=1000x720"},
-         {{"main/language", "7"}, {"main/gadget", QVariant()}}},
-    };
-    for (const auto &start : starts) {
-        QFile::remove(settingsFile());
-        for (auto one = start.stored.constBegin(); one != start.stored.constEnd(); ++one) {
-            set(one.key(), one.value());
-        }
-        const QStringList lines = run(start.script);
-        for (const QString &line : start.told + QStringList{"ended=well", "unexpected="}) {
-            QVERIFY2(lines.contains(line), qPrintable(line + " is not in\n" + lines.join('\n')));
-        }
-        for (auto one = start.kept.constBegin(); one != start.kept.constEnd(); ++one) {
-            QCOMPARE(setting(one.key()).toString(), one.value().toString());
-        }
-    }
-}
-
-void TestStartup::projectOfTheDialogComesLast()
-{
-    const QString first = show("show.gsw3", 55, 3);
-    const QStringList opened = run("new,close", {first});
-    QVERIFY(opened.contains("title=Glowsmith - show.gsw3  "));
-    QVERIFY(opened.contains("patterns=3"));
-    QVERIFY(opened.contains("leds=55"));
-
-    set("main/currentfile", show("last.gsw3", 66, 2));
-    const QStringList both = run("current,close", {first});
-    QVERIFY(both.contains("title=Glowsmith - last.gsw3  "));
-    QVERIFY(both.contains("patterns=2"));
-    QVERIFY(both.contains("leds=66"));
-}
-
-void TestStartup::asksBeforeItCloses()
-{
-    const QString path = show("show.gsw3", 55, 1);
-    const QDateTime before = QFileInfo(path).lastModified();
-    QVERIFY(run("new,save", {path}).contains("after cancel=open"));
-    QVERIFY(setting("window/size").isValid());
-    QCOMPARE(setting("main/currentfile").toString(), path);
-    QVERIFY(QFileInfo(path).lastModified() > before);
-}
-
-void TestStartup::silentNetworkHoldsNothingBack()
-{
-    server->response.clear();
-    const QStringList quiet = run("new,close");
-    QVERIFY(quiet.contains("unexpected="));
-    QVERIFY(quiet.contains("title=Glowsmith"));
-}
-
-void TestStartup::acceptedUpdateEndsTheProgram()
-{
-    server->answer("9.9\nnote");
-    const QStringList updated = run("update,close"); // there is no updater to start, which troubles nobody
-    QVERIFY(updated.contains("ended=well"));
-    QVERIFY(updated.filter("title=").isEmpty()); // no window was built
-}
-
-void TestStartup::theProgramItself()
-{
-    const QString xdotool = QStandardPaths::findExecutable("xdotool");
-    if (xdotool.isEmpty() || QGuiApplication::platformName() != "xcb") {
-        QSKIP("needs xdotool and an X display");
-    }
-    // Presses the keys in the first visible window whose title matches; false if there is none.
-    const auto press = [&xdotool](const QString &title, const QString &keys) {
-        QProcess search;
-        search.start(xdotool, {"search", "--onlyvisible", "--name", title});
-        search.waitForFinished();
-        const QString window = QString::fromLatin1(search.readAllStandardOutput()).section('\n', 0, 0);
-        return !window.isEmpty() && QProcess::execute(xdotool, {"windowfocus", window, "key", keys}) == 0;
-    };
-    const QString path = show("itself.gsw3", 55, 2);
-    const QDateTime before = QFileInfo(path).lastModified();
-
-    QProcess program;
-    program.setProcessEnvironment(environment());
-    program.setWorkingDirectory(dir->path());
-    program.start(GLOWSMITH_PROGRAM, {path});
-    QVERIFY(program.waitForStarted());
-    // A window that has only just come up may not take keys yet, so they are pressed until they have done their work.
-    const auto saved = [&] {
-        press("^Glowsmith$", "Return");
-        press("^Glowsmith - itself.gsw3 ", "ctrl+s");
-        return QFileInfo(path).lastModified() > before;
-    };
-    QTRY_VERIFY_WITH_TIMEOUT(saved(), 90000);
-    QTRY_COMPARE(setting("main/currentfile").toString(), path);
-    program.kill();
-    program.waitForFinished();
-}
 
 int main(int argc, char **argv)
 {
