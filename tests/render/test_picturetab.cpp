@@ -2,12 +2,13 @@
 #include "app/propvalues.h"
 #include "preview/mygl.h"
 #include "support/dialogdriver.h"
+#include "support/pixels.h"
+#include "support/samples.h"
 #include "support/windowtest.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineitem.h"
 #include "ui_mainwindow.h"
 
-#include <QFile>
 #include <QGraphicsPixmapItem>
 #include <QGraphicsScene>
 #include <QSignalSpy>
@@ -26,22 +27,17 @@ private slots:
     void otherLedsOtherHeight();
 
 private:
-    // A file of one colour in the left half and black in the right.
-    QString file(const QString &name, const QColor &color = Qt::red, const QSize &size = QSize(200, 100)) const;
+    // A file, red in the left half and black in the right.
+    QString file(const QString &name, const QSize &size = QSize(200, 100)) const;
     QRgb previewed(int column, int row) const { return ui->GLWidget->pixelAt(column, row); }
     QImage picture() const { return window->picturePixmap.toImage(); }
     QString message() const { return window->statusBar()->currentMessage(); }
 };
 
-QString TestPictureTab::file(const QString &name, const QColor &color, const QSize &size) const
+QString TestPictureTab::file(const QString &name, const QSize &size) const
 {
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(Qt::black);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < (size.width() + 1) / 2; ++x) {
-            image.setPixelColor(x, y, color);
-        }
-    }
+    const QImage image =
+        painted(size.width(), size.height(), [&](int x, int) { return x < (size.width() + 1) / 2 ? red : black; });
     const QString path = env->path(name);
     image.save(path);
     return path;
@@ -71,8 +67,8 @@ void TestPictureTab::oneFileIsLoadedAndNotAdded()
     QCOMPARE(ui->Mode_loop->value(), 54);
     // 5000 ms in 54 repetitions: 92.6 columns, 93 and so 92.
     QCOMPARE(ui->GLWidget->columnCount, 92);
-    QCOMPARE(previewed(20, 35), qRgb(255, 0, 0));
-    QCOMPARE(previewed(70, 35), qRgb(0, 0, 0));
+    QCOMPARE(previewed(20, 35), red);
+    QCOMPARE(previewed(70, 35), black);
     const QList<QGraphicsItem *> items = ui->PicView->scene()->items();
     QCOMPARE(items.size(), 1);
     QCOMPARE(qgraphicsitem_cast<QGraphicsPixmapItem *>(items.first())->pixmap().toImage(), picture());
@@ -129,7 +125,7 @@ void TestPictureTab::gapAndFlips()
     ui->Pic_Slide->setValue(100);
     QCOMPARE(window->picturePixmap.size(), QSize(800, 200));
     QCOMPARE(picture().copy(0, 0, 400, 200), whole);
-    QCOMPARE(ui->GLWidget->patternImage.pixel(ui->GLWidget->columnCount * 9 / 10, 3), qRgb(0, 0, 0));
+    QCOMPARE(ui->GLWidget->patternImage.pixel(ui->GLWidget->columnCount * 9 / 10, 3), black);
     // Read anew, the picture has its gap and the width is that of the picture alone.
     window->picload(window->picPath);
     QCOMPARE(window->picturePixmap.size(), QSize(800, 200));
@@ -139,8 +135,8 @@ void TestPictureTab::gapAndFlips()
     QCOMPARE(window->patternWidth, 140);
     QCOMPARE(ui->PicView->findChildren<QGraphicsScene *>().size(), 1);
     ui->Pic_revH->click();
-    QCOMPARE(picture().pixel(20, 100), qRgb(0, 0, 0));
-    QCOMPARE(picture().pixel(380, 100), qRgb(255, 0, 0));
+    QCOMPARE(picture().pixel(20, 100), black);
+    QCOMPARE(picture().pixel(380, 100), red);
     const qint64 key = window->picturePixmap.cacheKey();
     ui->Pic_revV->click();
     QVERIFY(window->picturePixmap.cacheKey() != key);
@@ -152,7 +148,7 @@ void TestPictureTab::repeatCountFollowsSilently()
     window->picload(file(QStringLiteral("a.png")));
     const QSignalSpy suggested(ui->suggest, qOverload<int>(&QSpinBox::valueChanged));
     const QSignalSpy counted(ui->Mode_loop, qOverload<int>(&QSpinBox::valueChanged));
-    window->picload(file(QStringLiteral("wide.png"), Qt::red, QSize(1000, 100)));
+    window->picload(file(QStringLiteral("wide.png"), QSize(1000, 100)));
     QCOMPARE(suggested.count(), 1);
     QCOMPARE(counted.count(), 0);
     QCOMPARE(ui->Mode_loop->value(), 11); // 75000 / 7000 is 10.7
@@ -164,27 +160,25 @@ void TestPictureTab::unusableFilesShowBlack()
 {
     window->picload(file(QStringLiteral("a.png")));
     const QString broken = env->path(QStringLiteral("broken.png"));
-    QFile bytes(broken);
-    QVERIFY(bytes.open(QIODevice::WriteOnly) && bytes.write("no picture") > 0);
-    bytes.close();
+    QVERIFY(put(broken, "no picture"));
     window->statusBar()->clearMessage();
     window->picload(broken);
     QCOMPARE(message(), QString());
     QVERIFY(window->picturePixmap.isNull());
     QCOMPARE(window->patternWidth, 0);
-    QCOMPARE(previewed(10, 10), qRgb(0, 0, 0));
+    QCOMPARE(previewed(10, 10), black);
     ui->Pic_Slide->setValue(40);
     QCOMPARE(window->patternWidth, 0);
     window->on_Add_Button_clicked();
     QVERIFY(window->currentTimeline->items.isEmpty());
 
-    window->picload(file(QStringLiteral("flat.png"), Qt::red, QSize(20000, 3)));
+    window->picload(file(QStringLiteral("flat.png"), QSize(20000, 3)));
     QVERIFY(window->picturePixmap.isNull());
     QVERIFY(message().contains(QStringLiteral("flat.png")));
 
     // A thread is a picture like any other.
     ui->Pic_Slide->setValue(100);
-    window->picload(file(QStringLiteral("thread.png"), Qt::red, QSize(3, 20000)));
+    window->picload(file(QStringLiteral("thread.png"), QSize(3, 20000)));
     QCOMPARE(window->patternWidth, 1);
     QCOMPARE(window->picturePixmap.height(), 200);
     window->on_Add_Button_clicked();

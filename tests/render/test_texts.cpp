@@ -4,7 +4,6 @@
 #include <QFontMetrics>
 #include <QtTest>
 
-using glow::TextOptions;
 using glow::TextResult;
 
 namespace {
@@ -12,14 +11,9 @@ namespace {
 const QColor back(0, 40, 90);
 const QColor fore(250, 200, 10);
 
-TextOptions text(const QString &words, int sizeIndex = 9, int slide = 5, bool flipH = false, bool flipV = false)
+TextResult rendered(const QString &words, int sizeIndex = 9, int slide = 5, bool flipH = false, bool flipV = false)
 {
-    return {words, QFont().family(), fore, back, sizeIndex, slide, flipH, flipV};
-}
-
-QFontMetrics metrics()
-{
-    return QFontMetrics(QFont(QFont().family(), 300, -1, false));
+    return glow::renderText({words, QFont().family(), fore, back, sizeIndex, slide, flipH, flipV});
 }
 
 // Bounds of all that is not the back colour.
@@ -48,6 +42,11 @@ private slots:
     void flips();
     void richTextIsReadAsSuch();
     void longTextsStayBounded();
+
+private:
+    int advance(const QString &words) const { return metrics.horizontalAdvance(words); }
+
+    const QFontMetrics metrics{QFont(QFont().family(), 300, -1, false)};
 };
 
 void TestTexts::sizes()
@@ -86,78 +85,79 @@ void TestTexts::sizes()
 
 void TestTexts::boxAndText()
 {
-    const TextResult empty = glow::renderText(text(QString()));
-    QCOMPARE(empty.image.size(), QSize(50, metrics().height()));
+    const TextResult empty = rendered(QString());
+    QCOMPARE(empty.image.size(), QSize(50, metrics.height()));
     QVERIFY(inked(empty.image).isEmpty() && !empty.tooLong);
 
     const QString words = QStringLiteral("HgH");
-    const QImage image = glow::renderText(text(words)).image;
-    QCOMPARE(image.size(), QSize(metrics().horizontalAdvance(words) + 50, metrics().height()));
+    const QImage image = rendered(words).image;
+    QCOMPARE(image.size(), QSize(advance(words) + 50, metrics.height()));
     const QRect ink = inked(image);
     // The capitals' stems stand at both ends of the advance, inside the frame's small margin.
     QVERIFY(ink.left() < 80 && ink.right() > image.width() - 130 && ink.right() < image.width() - 1);
     QVERIFY(ink.height() > image.height() / 2);
+    // The fore colour itself, not only blends of the edges.
     int solid = 0;
     for (int x = 0; x < image.width(); ++x) {
         solid += image.pixel(x, ink.center().y()) == fore.rgb() ? 1 : 0;
     }
-    QVERIFY(solid > 100); // the fore colour itself, not only blends of the edges
+    QVERIFY(solid > 100);
 
-    const QImage small = glow::renderText(text(QString(16, QLatin1Char('I')), 0, 20)).image;
-    QCOMPARE(small.height(), metrics().height() * 10);
+    const QImage small = rendered(QString(16, QLatin1Char('I')), 0, 20).image;
+    QCOMPARE(small.height(), metrics.height() * 10);
     const QRect top = inked(small);
     QVERIFY(!top.isEmpty() && top.top() < small.height() / 10);
     // A wider box has more space on the right, the text stays as it was.
-    const int advance = metrics().horizontalAdvance(QStringLiteral("HH"));
-    const QImage wide = glow::renderText(text(QStringLiteral("HH"), 9, 15)).image;
-    QCOMPARE(wide.width(), 3 * advance + 50);
-    QVERIFY(inked(wide).right() < advance + 10);
+    const QString two = QStringLiteral("HH");
+    const QImage wide = rendered(two, 9, 15).image;
+    QCOMPARE(wide.width(), 3 * advance(two) + 50);
+    QVERIFY(inked(wide).right() < advance(two) + 10);
 }
 
 void TestTexts::flips()
 {
-    const QString words = QStringLiteral("F");
-    const QImage plain = glow::renderText(text(words)).image;
+    const QImage plain = rendered(QStringLiteral("F")).image;
     QVERIFY(plain != plain.mirrored(true, false) && plain != plain.mirrored(false, true));
-    QCOMPARE(glow::renderText(text(words, 9, 5, true, false)).image, plain.mirrored(true, false));
-    QCOMPARE(glow::renderText(text(words, 9, 5, true, true)).image, plain.mirrored(true, true));
-    QCOMPARE(glow::renderText(text(words, 9, 5, false, true)).image, plain.mirrored(false, true));
+    for (const bool flipH : {false, true}) {
+        for (const bool flipV : {false, true}) {
+            QCOMPARE(rendered(QStringLiteral("F"), 9, 5, flipH, flipV).image, plain.mirrored(flipH, flipV));
+        }
+    }
 }
 
 void TestTexts::richTextIsReadAsSuch()
 {
     // The box is as wide as the source text, tags included; the tags are not drawn.
     const QString words = QStringLiteral("<i></i>H");
-    const QImage image = glow::renderText(text(words)).image;
-    QCOMPARE(image.width(), metrics().horizontalAdvance(words) + 50);
-    QVERIFY(inked(image).right() < metrics().horizontalAdvance(QLatin1Char('H')) + 20);
+    const QImage image = rendered(words).image;
+    QCOMPARE(image.width(), advance(words) + 50);
+    QVERIFY(inked(image).right() < advance(QStringLiteral("H")) + 20);
     for (const char *odd :
          {"<span style='font-size:99999999pt'>A</span>", "<table width=999999999 border=99999><tr><td>",
           "<img width=99999999 height=99999999 src='none'>", "<b"}) {
-        QVERIFY(!glow::renderText(text(QString::fromLatin1(odd))).image.isNull());
+        QVERIFY(!rendered(QString::fromLatin1(odd)).image.isNull());
     }
 }
 
 void TestTexts::longTextsStayBounded()
 {
-    const int advance = metrics().horizontalAdvance(QLatin1Char('H'));
+    const int width = advance(QStringLiteral("H"));
     // Twice the painter's reach: drawn at half the size, all of it.
-    TextResult result = glow::renderText(text(QString(65000 / advance, QLatin1Char('H'))));
+    TextResult result = rendered(QString(65000 / width, QLatin1Char('H')));
     QVERIFY(!result.tooLong);
     QCOMPARE(result.image.width(), 32767);
-    QVERIFY(result.image.height() < metrics().height() * 6 / 10);
+    QVERIFY(result.image.height() < metrics.height() * 6 / 10);
     QVERIFY(inked(result.image).right() > 32000);
     // Beyond the limit: the picture of an empty text, and said so.
-    for (const int length : {140000 / advance, 32767}) {
-        result = glow::renderText(text(QString(length, QLatin1Char('H'))));
+    for (const int length : {140000 / width, 32767}) {
+        result = rendered(QString(length, QLatin1Char('H')));
         QVERIFY(result.tooLong);
-        QCOMPARE(result.image.size(), QSize(50, metrics().height()));
-        QVERIFY(inked(result.image).isEmpty());
+        QCOMPARE(result.image, rendered(QString()).image);
     }
+    // Wraps here and there; bounded anyway.
     for (const int slide : {1, 7, 20}) {
-        // Wraps here and there; bounded anyway.
-        result = glow::renderText(text(QString(32767, QChar(0x6587)), 9, slide));
-        QVERIFY(result.image.width() <= 32767 && result.image.height() <= 16000);
+        const QSize size = rendered(QString(32767, QChar(0x6587)), 9, slide).image.size();
+        QVERIFY(size.width() <= 32767 && size.height() <= 16000);
     }
 }
 
