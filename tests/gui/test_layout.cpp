@@ -1,12 +1,9 @@
 // The window as a user meets it: row labels beside their tracks, nothing cut off at the smallest size in either
-// language, a name for every control, a tab key that follows the eye, and the keys that the form gives away.
-#include "app/mainwindow.h"
-#include "song/mytime.h"
-#include "support/testenv.h"
+// language, a name for every control, and a tab key that follows the eye.
+#include "support/windowtest.h"
 #include "timeline/mylabel.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineheaders.h"
-#include "timeline/timescale.h"
 #include "ui_mainwindow.h"
 
 #include <QAccessible>
@@ -15,267 +12,219 @@
 
 namespace {
 
+bool isOneOf(const QWidget *widget, std::initializer_list<const char *> classes)
+{
+    return std::any_of(classes.begin(), classes.end(), [widget](const char *name) { return widget->inherits(name); });
+}
+
 // What belongs to a compound control is named and reached with it: fields of number boxes, lists, scroll bars.
 bool isPart(const QWidget *widget)
 {
     const QWidget *holder = widget->parentWidget();
     const auto *area = qobject_cast<const QAbstractScrollArea *>(holder);
-    return widget->objectName().startsWith("qt_") || qobject_cast<const QComboBox *>(holder) != nullptr ||
-           holder->inherits("QComboBoxPrivateContainer") || (area != nullptr && area->viewport() == widget) ||
-           (qobject_cast<const QScrollBar *>(widget) != nullptr && holder->objectName().startsWith("qt_scrollarea_"));
-}
-
-bool takesTab(const QWidget *widget)
-{
-    return (widget->focusPolicy() & Qt::TabFocus) != 0 && widget->isVisible() && widget->isEnabled();
+    return widget->objectName().startsWith("qt_") || isOneOf(holder, {"QComboBox", "QComboBoxPrivateContainer"}) ||
+           (area != nullptr && area->viewport() == widget) ||
+           (widget->inherits("QScrollBar") && holder->objectName().startsWith("qt_scrollarea_"));
 }
 
 } // namespace
 
-class TestLayout : public QObject
+class TestLayout : public WindowTest
 {
     Q_OBJECT
 
-private slots:
-    void init();
-    void cleanup();
-    void labelsStandInTheirRows();
-    void labelsStayWhenTheWaveformIsSqueezed();
-    void nothingIsCutOff();
-    void everyControlHasAName();
-    void tabFollowsTheEye();
-    void spacePlays();
-
 private:
-    void build(const QSize &size)
+    void restart(const QSize &size)
     {
-        window.reset(new MainWindow);
-        ui = window->ui;
+        cleanup();
+        init();
         window->resize(size);
-        window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(window.data()));
-        window->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(window.data()));
     }
     QRect inWindow(const QWidget *widget) const
     {
         return QRect(widget->mapTo(window.data(), QPoint(0, 0)), widget->size());
     }
-    void dragWaveform(int dy);
-    QString misplacedRow() const;
-    QString cutOff() const;
-    bool followsTheEye(const QWidget *first, const QWidget *second) const;
 
-    QScopedPointer<TestEnv> env;
-    QScopedPointer<MainWindow> window;
-    Ui::MainWindow *ui = nullptr;
-};
-
-void TestLayout::init()
-{
-    env.reset(new TestEnv);
-    msPerPixel = 10.0F;
-}
-
-void TestLayout::cleanup()
-{
-    window.reset();
-    env.reset();
-}
-
-// Draws the handle between the tracks and the waveform.
-void TestLayout::dragWaveform(int dy)
-{
-    QSplitterHandle *handle = ui->timeline_splitter->handle(1);
-    const QPoint from(50, 1);
-    const QPoint to = from + QPoint(0, dy);
-    QTest::mousePress(handle, Qt::LeftButton, Qt::NoModifier, from);
-    QMouseEvent move(QEvent::MouseMove, to, handle->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
-    QCoreApplication::sendEvent(handle, &move);
-    QTest::mouseRelease(handle, Qt::LeftButton, Qt::NoModifier, from);
-}
-
-// Empty when every label is beside its track and both panes are cut at the same heights.
-QString TestLayout::misplacedRow() const
-{
-    const QRect tracks = inWindow(ui->timeline_scroll_2);
-    const QRect labels = inWindow(ui->timeline_rowheader);
-    if (tracks.top() != labels.top() || tracks.bottom() != labels.bottom())
-        return "the panes of tracks and labels differ";
-    for (const Timeline *track : window->timelines) {
-        if (inWindow(track).top() != inWindow(track->rowLabel).top())
-            return "label beside its row: " + track->rowLabel->text();
-        if (inWindow(track).left() != inWindow(ui->timeline_headers).left())
-            return "track and ruler begin at different x";
-    }
-    return QString();
-}
-
-void TestLayout::labelsStandInTheirRows()
-{
-    const struct
+    // Draws the handle between the tracks and the waveform.
+    void dragWaveform(int dy)
     {
-        QSize size;
-        int tracks;
-    } windows[] = {{QSize(1000, 720), 9}, {QSize(1300, 885), 3}, {QSize(1500, 1150), 12}};
-    for (const auto &[size, tracks] : windows) {
-        build(size);
-        QTRY_COMPARE(misplacedRow(), QString());
-        while (window->timelines.size() < tracks)
-            window->on_timeline_add_clicked();
-        QTRY_COMPARE(misplacedRow(), QString());
-        QScrollBar *bar = ui->timeline_vertical_scrollbar;
-        for (const int value : {bar->maximum(), bar->maximum() / 2, 7}) {
-            bar->setValue(value);
-            QTRY_COMPARE(misplacedRow(), QString());
-        }
-        for (const int dy : {-30, 20, 500}) {
-            dragWaveform(dy);
-            QTRY_COMPARE(misplacedRow(), QString());
-        }
-        window->resize(1200, 900);
-        QTRY_COMPARE(misplacedRow(), QString());
+        QSplitterHandle *handle = ui->timeline_splitter->handle(1);
+        const QPoint from(50, 1);
+        const QPoint to = from + QPoint(0, dy);
+        QTest::mousePress(handle, Qt::LeftButton, Qt::NoModifier, from);
+        QMouseEvent move(QEvent::MouseMove, to, handle->mapToGlobal(to), Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(handle, &move);
+        QTest::mouseRelease(handle, Qt::LeftButton, Qt::NoModifier, from);
     }
-}
 
-// A large waveform has to give way when the pane becomes low, without anybody moving the handle.
-void TestLayout::labelsStayWhenTheWaveformIsSqueezed()
-{
-    build(QSize(1300, 1150));
-    dragWaveform(-ui->timeline_splitter->height());
-    QTRY_VERIFY(ui->audio_frame->height() > 200);
-    QTRY_COMPARE(misplacedRow(), QString());
-    const int waveform = ui->audio_frame->height();
-    window->resize(1000, 720);
-    QTRY_VERIFY(ui->audio_frame->height() < waveform);
-    QTRY_COMPARE(misplacedRow(), QString());
-}
-
-// Empty when every control with a text is as large as the text needs and lies inside everything that holds it.
-QString TestLayout::cutOff() const
-{
-    for (const QWidget *widget : window->findChildren<QWidget *>()) {
-        const bool holdsText = qobject_cast<const QAbstractButton *>(widget) || qobject_cast<const QLabel *>(widget) ||
-                               qobject_cast<const QAbstractSpinBox *>(widget) ||
-                               qobject_cast<const QComboBox *>(widget);
-        // Paths and names of songs may be longer than any window; tracks and labels scroll.
-        if (!holdsText || !widget->isVisible() || widget->window() != window.data() ||
-            widget->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored || widget->objectName().startsWith("qt_") ||
-            ui->timeline_scroll->isAncestorOf(widget) || ui->timeline_rowheader->isAncestorOf(widget))
-            continue;
-        if (widget->size() != widget->size().expandedTo(widget->minimumSizeHint()))
-            return widget->objectName() + " is too small";
-        for (const QWidget *holder = widget->parentWidget(); holder; holder = holder->parentWidget()) {
-            if (!holder->rect().contains(QRect(widget->mapTo(holder, QPoint(0, 0)), widget->size())))
-                return widget->objectName() + " leaves " + holder->objectName();
+    // Empty when every label is beside its track and both panes are cut at the same heights.
+    QString misplacedRow() const
+    {
+        const QRect tracks = inWindow(ui->timeline_scroll_2);
+        const QRect labels = inWindow(ui->timeline_rowheader);
+        if (tracks.top() != labels.top() || tracks.bottom() != labels.bottom())
+            return "the panes of tracks and labels differ";
+        for (const Timeline *track : window->timelines) {
+            if (inWindow(track).top() != inWindow(track->rowLabel).top())
+                return "label beside its row: " + track->rowLabel->text();
+            if (inWindow(track).left() != inWindow(ui->timeline_headers).left())
+                return "track and ruler begin at different x";
         }
+        return QString();
     }
-    return QString();
-}
 
-void TestLayout::nothingIsCutOff()
-{
-    QTranslator translator;
-    QVERIFY(translator.load(":/language/language/english.qm"));
-    for (const QString menu : {"檔案", "File"}) {
-        if (menu == "File")
-            QVERIFY(QCoreApplication::installTranslator(&translator));
-        for (const QSize size : {QSize(1000, 720), QSize(1300, 885)}) {
-            build(size);
-            QCOMPARE(ui->menu->title(), menu);
-            for (int tab = 0; tab < ui->Mode_Pic->count(); ++tab) {
-                ui->Mode_Pic->setCurrentIndex(tab);
-                QTRY_COMPARE(cutOff(), QString());
+    // Empty when every control with a text is as large as the text needs and lies inside everything that holds it.
+    QString cutOff() const
+    {
+        for (const QWidget *widget : window->findChildren<QWidget *>()) {
+            const bool holdsText = isOneOf(widget, {"QAbstractButton", "QLabel", "QAbstractSpinBox", "QComboBox"});
+            // Paths and names of songs may be longer than any window; tracks and labels scroll.
+            if (!holdsText || !widget->isVisible() || widget->window() != window.data() ||
+                widget->sizePolicy().horizontalPolicy() == QSizePolicy::Ignored ||
+                widget->objectName().startsWith("qt_") || ui->timeline_scroll->isAncestorOf(widget) ||
+                ui->timeline_rowheader->isAncestorOf(widget))
+                continue;
+            if (widget->size() != widget->size().expandedTo(widget->minimumSizeHint()))
+                return widget->objectName() + " is too small";
+            for (const QWidget *holder = widget->parentWidget(); holder; holder = holder->parentWidget()) {
+                if (!holder->rect().contains(QRect(widget->mapTo(holder, QPoint(0, 0)), widget->size())))
+                    return widget->objectName() + " leaves " + holder->objectName();
             }
-            QCOMPARE(window->size(), size);
         }
+        return QString();
     }
-}
 
-// A screen reader has to have something to say.
-void TestLayout::everyControlHasAName()
-{
-    build(QSize(1300, 885));
-    window->on_timeline_add_clicked();
-    ui->Mode_Pic->setCurrentIndex(1);
-    window->on_Add_Button_clicked();
-    int named = 0;
-    for (QWidget *widget : window->findChildren<QWidget *>()) {
-        const bool control = widget->focusPolicy() != Qt::NoFocus || qobject_cast<QAbstractButton *>(widget) ||
-                             qobject_cast<QAbstractSlider *>(widget) || qobject_cast<MyLabel *>(widget) ||
-                             qobject_cast<QProgressBar *>(widget);
-        if (!control || isPart(widget))
-            continue;
-        QAccessibleInterface *spoken = QAccessible::queryAccessibleInterface(widget);
-        QVERIFY2(spoken != nullptr && !spoken->text(QAccessible::Name).isEmpty(),
-                 qPrintable(widget->objectName() + ' ' + widget->metaObject()->className()));
-        ++named;
+    // To the right in the same row, or further down. A scroll area comes before what it shows.
+    bool followsTheEye(const QWidget *first, const QWidget *second) const
+    {
+        const QRect one = inWindow(first);
+        const QRect two = inWindow(second);
+        const bool sameRow = one.top() <= two.bottom() && two.top() <= one.bottom();
+        return first->isAncestorOf(second) || (sameRow && two.left() > one.right()) || two.top() > one.center().y();
     }
-    QVERIFY(named > 80);
-}
 
-// To the right in the same row, or further down. A scroll area comes before what it shows.
-bool TestLayout::followsTheEye(const QWidget *first, const QWidget *second) const
-{
-    const QRect one = inWindow(first);
-    const QRect two = inWindow(second);
-    const bool sameRow = one.top() <= two.bottom() && two.top() <= one.bottom();
-    return first->isAncestorOf(second) || (sameRow && two.left() > one.right()) || two.top() > one.center().y();
-}
-
-void TestLayout::tabFollowsTheEye()
-{
-    build(QSize(1300, 885));
-    QVERIFY(ui->dockWidget_3->isAncestorOf(window->focusWidget())); // a fresh window starts at the left
-    window->on_timeline_add_clicked();
-    window->on_action_LED_M_triggered(); // the two numbers of the prop can be typed
-    ui->radio_speed_m->setChecked(true);
-    ui->Ex_Button->setEnabled(true);
-    QTRY_COMPARE(misplacedRow(), QString());
-    for (int page = 0; page < 4; ++page) {
-        ui->Mode_Pic->setCurrentIndex(page);
-        ui->Add_Button->setEnabled(true);
+    // Everything that the tab key reaches, from the first number of the panel round to it again.
+    QList<QWidget *> tabStops()
+    {
         QList<QWidget *> stops{ui->FPS_V};
         ui->FPS_V->setFocus();
         for (int i = 0; i < 200; ++i) {
             QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
             QWidget *focus = QApplication::focusWidget();
-            QVERIFY(focus != nullptr);
-            if (focus == stops.first())
+            if (focus == nullptr || focus == stops.first())
                 break;
             if (focus != stops.last()) // a time field has three stops
                 stops << focus;
         }
-        int crossings = 0;
-        for (int i = 1; i < stops.size(); ++i) {
-            const QWidget *one = stops.at(i - 1);
-            const QWidget *two = stops.at(i);
-            const bool sameSide = ui->dockWidget_3->isAncestorOf(one) == ui->dockWidget_3->isAncestorOf(two);
-            crossings += sameSide ? 0 : 1;
-            QVERIFY2(!sameSide || followsTheEye(one, two), qPrintable(one->objectName() + " > " + two->objectName()));
-        }
-        QCOMPARE(crossings, 1);
-        for (QWidget *widget : window->findChildren<QWidget *>()) {
-            if (takesTab(widget) && !isPart(widget) && widget->focusProxy() == nullptr)
-                QVERIFY2(stops.contains(widget), qPrintable(widget->objectName()));
-        }
+        return stops;
     }
-}
 
-// A key that a button and an action both hold is ambiguous, and then neither answers.
-void TestLayout::spacePlays()
-{
-    build(QSize(1300, 885));
-    for (QWidget *focus : {static_cast<QWidget *>(ui->timeline_scroll), static_cast<QWidget *>(ui->Song_Stop),
-                           static_cast<QWidget *>(ui->Song_Slider), static_cast<QWidget *>(ui->AutoRepeat)}) {
-        focus->setFocus();
-        QTRY_VERIFY(focus->hasFocus());
-        const bool running = ui->Song_time->clockTimer->isActive();
-        QTest::keyClick(focus, Qt::Key_Space);
-        QCOMPARE(ui->Song_time->clockTimer->isActive(), !running);
-        QVERIFY(ui->AutoRepeat->isChecked());
+private slots:
+    void labelsStandInTheirRows()
+    {
+        const QVector<QPair<QSize, int>> windows{{QSize(1000, 720), 9}, {QSize(1300, 885), 3}, {QSize(1500, 1150), 12}};
+        for (const auto &[size, tracks] : windows) {
+            restart(size);
+            QTRY_COMPARE(misplacedRow(), QString());
+            while (window->timelines.size() < tracks)
+                window->on_timeline_add_clicked();
+            QTRY_COMPARE(misplacedRow(), QString());
+            QScrollBar *bar = ui->timeline_vertical_scrollbar;
+            for (const int value : {bar->maximum(), bar->maximum() / 2, 7}) {
+                bar->setValue(value);
+                QTRY_COMPARE(misplacedRow(), QString());
+            }
+            for (const int dy : {-30, 20, 500}) {
+                dragWaveform(dy);
+                QTRY_COMPARE(misplacedRow(), QString());
+            }
+            window->resize(1200, 900);
+            QTRY_COMPARE(misplacedRow(), QString());
+        }
     }
-}
+
+    // A large waveform has to give way when the pane becomes low, without anybody moving the handle.
+    void labelsStayWhenTheWaveformIsSqueezed()
+    {
+        window->resize(1300, 1150);
+        dragWaveform(-ui->timeline_splitter->height());
+        QTRY_VERIFY(ui->audio_frame->height() > 200);
+        QTRY_COMPARE(misplacedRow(), QString());
+        const int waveform = ui->audio_frame->height();
+        window->resize(1000, 720);
+        QTRY_VERIFY(ui->audio_frame->height() < waveform);
+        QTRY_COMPARE(misplacedRow(), QString());
+    }
+
+    void nothingIsCutOff()
+    {
+        QTranslator translator;
+        QVERIFY(translator.load(":/language/language/english.qm"));
+        for (const QString menu : {"檔案", "File"}) {
+            if (menu == "File")
+                QVERIFY(QCoreApplication::installTranslator(&translator));
+            for (const QSize size : {QSize(1000, 720), QSize(1300, 885)}) {
+                restart(size);
+                QCOMPARE(ui->menu->title(), menu);
+                for (int tab = 0; tab < ui->Mode_Pic->count(); ++tab) {
+                    ui->Mode_Pic->setCurrentIndex(tab);
+                    QTRY_COMPARE(cutOff(), QString());
+                }
+                QCOMPARE(window->size(), size);
+            }
+        }
+    }
+
+    // A screen reader has to have something to say.
+    void everyControlHasAName()
+    {
+        window->on_timeline_add_clicked();
+        ui->Mode_Pic->setCurrentIndex(1);
+        window->on_Add_Button_clicked();
+        int named = 0;
+        for (QWidget *widget : window->findChildren<QWidget *>()) {
+            const bool control = widget->focusPolicy() != Qt::NoFocus ||
+                                 isOneOf(widget, {"QAbstractButton", "QAbstractSlider", "MyLabel", "QProgressBar"});
+            if (!control || isPart(widget))
+                continue;
+            QAccessibleInterface *spoken = QAccessible::queryAccessibleInterface(widget);
+            QVERIFY2(spoken != nullptr && !spoken->text(QAccessible::Name).isEmpty(),
+                     qPrintable(widget->objectName() + ' ' + widget->metaObject()->className()));
+            ++named;
+        }
+        QVERIFY(named > 80);
+    }
+
+    void tabFollowsTheEye()
+    {
+        QVERIFY(ui->dockWidget_3->isAncestorOf(window->focusWidget())); // a fresh window starts at the left
+        window->on_timeline_add_clicked();
+        window->on_action_LED_M_triggered(); // the two numbers of the prop can be typed
+        ui->radio_speed_m->setChecked(true);
+        ui->Ex_Button->setEnabled(true);
+        QTRY_COMPARE(misplacedRow(), QString());
+        for (int page = 0; page < 4; ++page) {
+            ui->Mode_Pic->setCurrentIndex(page);
+            ui->Add_Button->setEnabled(true);
+            const QList<QWidget *> stops = tabStops();
+            int crossings = 0;
+            for (int i = 1; i < stops.size(); ++i) {
+                const QWidget *one = stops.at(i - 1);
+                const QWidget *two = stops.at(i);
+                const bool sameSide = ui->dockWidget_3->isAncestorOf(one) == ui->dockWidget_3->isAncestorOf(two);
+                crossings += sameSide ? 0 : 1;
+                QVERIFY2(!sameSide || followsTheEye(one, two),
+                         qPrintable(one->objectName() + " > " + two->objectName()));
+            }
+            QCOMPARE(crossings, 1);
+            for (QWidget *widget : window->findChildren<QWidget *>()) {
+                const bool takesTab = (widget->focusPolicy() & Qt::TabFocus) != 0 && widget->focusProxy() == nullptr;
+                if (takesTab && widget->isVisible() && widget->isEnabled() && !isPart(widget))
+                    QVERIFY2(stops.contains(widget), qPrintable(widget->objectName()));
+            }
+        }
+    }
+};
 
 QTEST_MAIN(TestLayout)
 #include "test_layout.moc"
