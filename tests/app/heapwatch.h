@@ -22,49 +22,37 @@ public:
         static const int installed = __sanitizer_install_malloc_and_free_hooks(&HeapWatch::taken, &HeapWatch::given);
         Q_UNUSED(installed)
 #endif
-        held() = 0;
-        highest() = 0;
-        counting() = true;
+        held = 0;
+        highest = 0;
+        counting = true;
     }
     ~HeapWatch()
     {
-        counting() = false;
+        counting = false;
     }
     Q_DISABLE_COPY_MOVE(HeapWatch)
 
     static qint64 peak()
     {
-        return highest();
+        return highest;
     }
 
 private:
-    static bool &counting()
-    {
-        static thread_local bool on = false;
-        return on;
-    }
-    static qint64 &held()
-    {
-        static thread_local qint64 bytes = 0;
-        return bytes;
-    }
-    static qint64 &highest()
-    {
-        static thread_local qint64 bytes = 0;
-        return bytes;
-    }
+    inline static thread_local bool counting = false;
+    inline static thread_local qint64 held = 0;
+    inline static thread_local qint64 highest = 0;
 #if defined(__SANITIZE_ADDRESS__)
     static void taken(const volatile void *, std::size_t size)
     {
-        if (counting()) {
-            held() += qint64(size);
-            highest() = qMax(highest(), held());
+        if (counting) {
+            held += qint64(size);
+            highest = qMax(highest, held);
         }
     }
     static void given(const volatile void *block)
     {
-        if (counting() && block != nullptr) {
-            held() -= qint64(__sanitizer_get_allocated_size(block));
+        if (counting && block != nullptr) {
+            held -= qint64(__sanitizer_get_allocated_size(block));
         }
     }
 #endif

@@ -15,13 +15,10 @@ using glow::Project;
 namespace {
 
 constexpr int mutations = 20000;
-constexpr int oldMutations = 5000; // reading times is slow
-constexpr int streamShare = 4;     // the stream takes megabytes for each absurd length, so it reads one in so many
+constexpr int streamShare = 4; // the stream takes megabytes for each absurd length, so it reads one in so many
 constexpr qint64 slack = 64 * 1024;
 
-const QByteArray head = QByteArray::fromHex("0046"
-                                            "40A0680000000000"
-                                            "00000008006E0075006C006C");
+const QByteArray head = QByteArray::fromHex("004640A068000000000000000008006E0075006C006C");
 const QByteArray separator = QByteArray::fromHex("000000044E455854");
 
 Project projectOf(const QVector<QVector<QByteArray>> &tracks)
@@ -78,6 +75,17 @@ bool same(const Project &a, const Project &b)
     return a.ledCount == b.ledCount && sameRate && a.songPath == b.songPath && a.tracks == b.tracks;
 }
 
+// Reads with a watch on the memory that it takes.
+void readLightly(const QByteArray &bytes, Project &project)
+{
+    const HeapWatch watch;
+    project = glow::readProject(bytes);
+#if defined(__SANITIZE_ADDRESS__)
+    QVERIFY(HeapWatch::peak() > 0);
+#endif
+    QVERIFY2(HeapWatch::peak() <= slack + 8LL * bytes.size(), bytes.left(1000).toHex().constData());
+}
+
 // What happens to files: cut off, bytes flipped, lengths made absurd, pieces lost or doubled, stretches of one value.
 QByteArray mutated(QByteArray bytes, QRandomGenerator &random)
 {
@@ -102,168 +110,117 @@ class TestProjectFile : public QObject
     Q_OBJECT
 
 private slots:
-    void writesTheKnownBytes();
-    void readsWholeAndMutatedFilesAsTheStreamDoes();
-    void takesLittleMemory();
-    void tellsTheFormatByName();
-    void readsOldLines();
-    void dropsIncompleteOldLines();
-    void decodesOldText();
-    void readsMutatedOldFiles();
-};
-
-void TestProjectFile::writesTheKnownBytes()
-{
-    const QByteArray x = QByteArray::fromHex("00000001") + 'x';
-    const QByteArray odd = QByteArray::fromHex("00000003") + "NEX" + QByteArray::fromHex("00000005") + "NEXT ";
-    const QVector<QPair<QVector<QVector<QByteArray>>, QByteArray>> cases{
-        {{{}}, ""},
-        {{{"x"}, {}, {"x"}}, x + separator + separator + x},
-        {{{"x", "x"}, {}}, x + x + separator},
-        {{{}, {"x"}}, separator + x},
-        {{{"NEX", "NEXT "}}, odd},
-    };
-    for (const auto &[tracks, items] : cases) {
-        QCOMPARE(glow::writeProject(projectOf(tracks)), head + items);
-        QVERIFY(same(glow::readProject(head + items), projectOf(tracks)));
-    }
-    QVERIFY(!glow::readProject(head).hasSong());
-    QVERIFY(!glow::readProject(QByteArray()).hasSong());
-}
-
-void TestProjectFile::readsWholeAndMutatedFilesAsTheStreamDoes()
-{
-    QRandomGenerator random(2);
-    Project original;
-    QByteArray whole;
-    for (int i = 0; i < mutations; ++i) {
-        if (i % 50 == 0) {
-            original = randomProject(random);
-            whole = glow::writeProject(original);
-            QVERIFY(same(readByStream(whole), original));
-            QVERIFY(same(glow::readProject(whole), original));
+    void writesTheKnownBytes()
+    {
+        const QByteArray x = QByteArray::fromHex("00000001") + 'x';
+        const QByteArray odd = QByteArray::fromHex("00000003") + "NEX" + QByteArray::fromHex("00000005") + "NEXT ";
+        const QVector<QPair<QVector<QVector<QByteArray>>, QByteArray>> cases{
+            {{{}}, ""},
+            {{{"x"}, {}, {"x"}}, x + separator + separator + x},
+            {{{"x", "x"}, {}}, x + x + separator},
+            {{{}, {"x"}}, separator + x},
+            {{{"NEX", "NEXT "}}, odd},
+        };
+        for (const auto &[tracks, items] : cases) {
+            QCOMPARE(glow::writeProject(projectOf(tracks)), head + items);
+            QVERIFY(same(glow::readProject(head + items), projectOf(tracks)));
         }
-        const QByteArray bytes = mutated(whole, random);
-        Project project;
-        {
-            const HeapWatch watch;
-            project = glow::readProject(bytes);
-            QVERIFY2(HeapWatch::peak() <= slack + 8LL * bytes.size(), bytes.toHex().constData());
+        QVERIFY(!glow::readProject(head).hasSong() && !glow::readProject(QByteArray()).hasSong());
+        QVERIFY(glow::isProjectPath("/shows/a.gsw3") && glow::isProjectPath("/old.gsw3/a.gsw"));
+        QVERIFY(!glow::isProjectPath("/shows/a.gsw") && !glow::isProjectPath("/shows/a.GSW3"));
+    }
+
+    void readsWholeAndMutatedFilesAsTheStreamDoes()
+    {
+        QRandomGenerator random(2);
+        QByteArray whole;
+        for (int i = 0; i < mutations; ++i) {
+            if (i % 50 == 0) {
+                const Project original = randomProject(random);
+                whole = glow::writeProject(original);
+                QVERIFY(same(readByStream(whole), original));
+                QVERIFY(same(glow::readProject(whole), original));
+            }
+            const QByteArray bytes = mutated(whole, random);
+            Project project;
+            readLightly(bytes, project);
+            QVERIFY2(i % streamShare > 0 || same(project, readByStream(bytes)), bytes.toHex().constData());
+            QVERIFY(same(glow::readProject(glow::writeProject(project)), project));
         }
-        if (i % streamShare == 0) {
-            QVERIFY2(same(project, readByStream(bytes)), bytes.toHex().constData());
+    }
+
+    void readsAbsurdFilesAsTheStreamDoes()
+    {
+        for (const QByteArray &bytes :
+             {QByteArray(), QByteArray("\x01"),
+              head.left(10) + QByteArray::fromHex("7FFFFFFE") + "abcd", // an endless song
+              head + QByteArray::fromHex("FFFFFFFE") + "abcd",          // endless blobs
+              head + QByteArray::fromHex("80000000") + "abcd",
+              head + QByteArray::fromHex("000000"), // a length cut off
+              QByteArray(1 << 20, '\0'), QByteArray(1 << 20, '\xFF'), head + separator.repeated(1 << 17)}) {
+            Project project;
+            readLightly(bytes, project);
+            QVERIFY(same(project, readByStream(bytes)));
         }
-        QVERIFY(same(glow::readProject(glow::writeProject(project)), project));
     }
-}
 
-void TestProjectFile::takesLittleMemory()
-{
-    const QByteArrayList files{QByteArray(),
-                               "\x01",
-                               head.left(10) + QByteArray::fromHex("7FFFFFFE") + "abcd", // an endless song
-                               head + QByteArray::fromHex("FFFFFFFE") + "abcd",          // endless blobs
-                               head + QByteArray::fromHex("80000000") + "abcd",
-                               head + QByteArray::fromHex("000000"), // a length cut off
-                               QByteArray(1 << 20, '\0'),
-                               QByteArray(1 << 20, '\xFF'),
-                               head + separator.repeated(1 << 17)};
-    for (const QByteArray &bytes : files) {
-        Project project;
-        {
-            const HeapWatch watch;
-            project = glow::readProject(bytes);
-#if defined(__SANITIZE_ADDRESS__)
-            QVERIFY(HeapWatch::peak() > 0);
-#endif
-            QVERIFY2(HeapWatch::peak() <= slack + 8LL * bytes.size(), qPrintable(QString::number(HeapWatch::peak())));
-        }
-        QVERIFY(same(project, readByStream(bytes)));
-    }
-}
-
-void TestProjectFile::tellsTheFormatByName()
-{
-    QVERIFY(glow::isProjectPath("/shows/a.gsw3") && glow::isProjectPath("/old.gsw3/a.gsw"));
-    QVERIFY(!glow::isProjectPath("/shows/a.gsw") && !glow::isProjectPath("/shows/a.GSW3"));
-}
-
-void TestProjectFile::readsOldLines()
-{
-    const OldProject project = glow::readOldProject("48><1100\r\n"
-                                                    "00:00.000><00:05.000><0?1?C:/art/a.png?100|0|1\r\n"
-                                                    "00:05.000><01:06.250><1?#ff0000\n"
-                                                    "59:59.999><00:01.000><2?3?#ffffff|#000000|HELLO|4|2?12|0|0\n"
-                                                    "00:00.001><00:00.002><3?2?#ff0000|#000000|5|0|10?0|1|0><more");
-    QVERIFY(project.hasProp);
-    QCOMPARE(project.leds, 48);
-    QCOMPARE(project.rate, 1100);
-    QStringList read;
-    for (const glow::OldPattern &pattern : project.patterns) {
-        read << QString("%1 %2 ").arg(pattern.start.msecsSinceStartOfDay()).arg(pattern.end.msecsSinceStartOfDay()) +
-                    pattern.settings;
-    }
-    QCOMPARE(read, (QStringList{"0 5000 0?1?C:/art/a.png?100|0|1", "5000 66250 1?#ff0000",
-                                "3599999 1000 2?3?#ffffff|#000000|HELLO|4|2?12|0|0",
-                                "1 2 3?2?#ff0000|#000000|5|0|10?0|1|0"}));
-    QVERIFY(!glow::readOldProject("48\n00:00.000><00:05.000><1?#00ff00").hasProp);
-    QVERIFY(!glow::readOldProject("").hasProp);
-}
-
-void TestProjectFile::dropsIncompleteOldLines()
-{
-    const QByteArray good = "\n00:00.000><00:05.000><1?#00ff00\n";
-    for (const QByteArray &line :
-         {QByteArray(), QByteArray("00:00.000><1?#ff0000"), QByteArray("00:00.000><00:01.000><"),
-          QByteArray("soon><00:01.000><1?#ff0000"), QByteArray("00:00.000><00:01.000><1"),
-          QByteArray("00:00.000><00:01.000><0?1?a.png"), QByteArray("00:00.000><00:01.000><0?1?a.png?100|0"),
-          QByteArray("00:00.000><00:01.000><2?3?#ffffff|#000000|HELLO|4?12|0|0"),
-          QByteArray("00:00.000><00:01.000><3?2?#ff0000"), QByteArray("00:00.000><00:01.000><4?1?a|b|c|d|e?0|0|0"),
-          QByteArray("00:00.000><00:01.000><0?" + QByteArray(1 << 20, '?'))}) {
-        const OldProject project = glow::readOldProject("48><1100\n" + line + good + line);
-        QVERIFY2(project.patterns.size() == 1, line.left(80).constData());
-        QCOMPARE(project.patterns.first().settings, QString("1?#00ff00"));
-    }
-}
-
-void TestProjectFile::decodesOldText()
-{
-    // With and without a mark, and what is no UTF-8: the locale's, and what that makes of it depends on the system.
-    const QVector<QPair<QByteArray, QString>> texts{{"48|\xE6\x96\x87", "文"},
-                                                    {"\xEF\xBB\xBF"
-                                                     "48|\xE6\x96\x87",
-                                                     "文"},
-                                                    {"48|caf\xE9", QString::fromLocal8Bit("caf\xE9")}};
-    for (const auto &[bytes, text] : texts) {
-        const QByteArrayList parts = bytes.split('|');
-        const OldProject project = glow::readOldProject(
-            parts.at(0) + "><1100\n00:00.000><00:05.000><2?1?#ffffff|#000000|" + parts.at(1) + "|0|0?5|0|0\n");
+    void readsOldLines()
+    {
+        const OldProject project = glow::readOldProject("48><1100\r\n"
+                                                        "00:00.000><00:05.000><0?1?C:/art/a.png?100|0|1\r\n"
+                                                        "00:05.000><01:06.250><1?#ff0000\n"
+                                                        "59:59.999><00:01.000><2?3?#ffffff|#000000|HELLO|4|2?12|0|0\n"
+                                                        "00:00.001><00:00.002><3?2?#ff0000|#000000|5|0|10?0|1|0><more");
+        QVERIFY(project.hasProp);
         QCOMPARE(project.leds, 48);
-        QCOMPARE(project.patterns.size(), 1);
-        QCOMPARE(project.patterns.first().settings, QString("2?1?#ffffff|#000000|%1|0|0?5|0|0").arg(text));
+        QCOMPARE(project.rate, 1100);
+        QStringList read;
+        for (const glow::OldPattern &pattern : project.patterns) {
+            read
+                << QString("%1 %2 ").arg(pattern.start.msecsSinceStartOfDay()).arg(pattern.end.msecsSinceStartOfDay()) +
+                       pattern.settings;
+        }
+        QCOMPARE(read, (QStringList{"0 5000 0?1?C:/art/a.png?100|0|1", "5000 66250 1?#ff0000",
+                                    "3599999 1000 2?3?#ffffff|#000000|HELLO|4|2?12|0|0",
+                                    "1 2 3?2?#ff0000|#000000|5|0|10?0|1|0"}));
+        QVERIFY(!glow::readOldProject("48\n00:00.000><00:05.000><1?#00ff00").hasProp);
+        QVERIFY(!glow::readOldProject("").hasProp);
     }
-}
 
-void TestProjectFile::readsMutatedOldFiles()
-{
-    QRandomGenerator random(3);
-    const QByteArray original = "48><1100\r\n"
-                                "00:00.000><00:05.000><0?1?C:/art/a.png?100|0|1\r\n"
-                                "00:05.000><00:06.000><1?#ff0000\r\n"
-                                "00:06.000><00:07.000><2?3?#ffffff|#000000|\xE6\x96\x87|4|2?12|0|0\r\n"
-                                "00:07.000><00:08.000><3?2?#ff0000|#000000|5|0|10?0|1|0\r\n";
-    int kept = 0;
-    for (int i = 0; i < oldMutations; ++i) {
-        const QByteArray bytes = mutated(original, random);
-        const HeapWatch watch;
-        const OldProject project = glow::readOldProject(bytes);
-        QVERIFY(HeapWatch::peak() <= slack + 64LL * bytes.size());
-        QVERIFY(project.patterns.size() <= bytes.count('\n') + 1);
-        kept += project.patterns.size();
+    void dropsIncompleteOldLines()
+    {
+        const QByteArray good = "\n00:00.000><00:05.000><1?#00ff00\n";
+        for (const QByteArray &line :
+             {QByteArray(), QByteArray("00:00.000><1?#ff0000"), QByteArray("00:00.000><00:01.000><"),
+              QByteArray("soon><00:01.000><1?#ff0000"), QByteArray("00:00.000><00:01.000><1"),
+              QByteArray("00:00.000><00:01.000><0?1?a.png"), QByteArray("00:00.000><00:01.000><0?1?a.png?100|0"),
+              QByteArray("00:00.000><00:01.000><2?3?#ffffff|#000000|HELLO|4?12|0|0"),
+              QByteArray("00:00.000><00:01.000><3?2?#ff0000"), QByteArray("00:00.000><00:01.000><4?1?a|b|c|d|e?0|0|0"),
+              QByteArray("00:00.000><00:01.000><0?" + QByteArray(1 << 20, '?'))}) {
+            const OldProject project = glow::readOldProject("48><1100\n" + line + good + line);
+            QVERIFY2(project.patterns.size() == 1, line.left(80).constData());
+            QCOMPARE(project.patterns.first().settings, QString("1?#00ff00"));
+        }
     }
-    // Most mutations leave most lines whole.
-    QVERIFY(kept > oldMutations);
-}
+
+    void decodesOldText()
+    {
+        // With and without a mark, and what is no UTF-8: the locale's, and what that makes of it depends on the system.
+        const QVector<QPair<QByteArray, QString>> texts{{"48|\xE6\x96\x87", "文"},
+                                                        {"\xEF\xBB\xBF"
+                                                         "48|\xE6\x96\x87",
+                                                         "文"},
+                                                        {"48|caf\xE9", QString::fromLocal8Bit("caf\xE9")}};
+        for (const auto &[bytes, text] : texts) {
+            const QByteArrayList parts = bytes.split('|');
+            const OldProject project = glow::readOldProject(
+                parts.at(0) + "><1100\n00:00.000><00:05.000><2?1?#ffffff|#000000|" + parts.at(1) + "|0|0?5|0|0\n");
+            QCOMPARE(project.leds, 48);
+            QCOMPARE(project.patterns.size(), 1);
+            QCOMPARE(project.patterns.first().settings, QString("2?1?#ffffff|#000000|%1|0|0?5|0|0").arg(text));
+        }
+    }
+};
 
 QTEST_GUILESS_MAIN(TestProjectFile)
 #include "test_projectfile.moc"
