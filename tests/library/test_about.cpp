@@ -2,10 +2,10 @@
 #include "httpserver.h"
 #include "library/about.h"
 #include "support/dialogdriver.h"
+#include "support/samples.h"
 #include "support/testenv.h"
 #include "ui_about.h"
 
-#include <QDir>
 #include <QElapsedTimer>
 #include <QNetworkAccessManager>
 #include <QtTest>
@@ -13,7 +13,7 @@
 namespace {
 
 const QString upToDate = "已是最新版本";
-const QString lastShow = "/gone/a show.gsw3";
+const QString notAsked = "檢查更新...";
 
 } // namespace
 
@@ -24,10 +24,8 @@ class TestAbout : public QObject
 private slots:
     void init();
     void cleanup();
-    void buttonsEndTheDialog_data();
     void buttonsEndTheDialog();
     void loadButtonStaysWithoutAFile();
-    void checkAnswers_data();
     void checkAnswers();
     void newerVersionAsks();
     void acceptedUpdateEndsWithOne();
@@ -54,54 +52,47 @@ void TestAbout::cleanup()
     env.reset();
 }
 
-void TestAbout::buttonsEndTheDialog_data()
-{
-    QTest::addColumn<QString>("last");
-    QTest::addColumn<QString>("way");
-    QTest::addColumn<QString>("loadPath");
-    QTest::newRow("new show") << QString() << "pushButton0" << QString();
-    QTest::newRow("last project") << lastShow << "load_current" << lastShow;
-    QTest::newRow("window closed") << lastShow << "close" << QString();
-    QTest::newRow("return, wherever the focus is") << lastShow << "return" << QString();
-}
-
 void TestAbout::buttonsEndTheDialog()
 {
-    QFETCH(const QString, last);
-    QFETCH(const QString, way);
-    QFETCH(const QString, loadPath);
-    if (!last.isEmpty())
-        env->setValue("main/currentfile", last);
-    about dialog;
-    QCOMPARE(dialog.ui->label_3->text(), QString("Glowsmith ver3.104"));
-    QCOMPARE(dialog.ui->load_current->isHidden(), last.isEmpty());
-    QCOMPARE(dialog.ui->load_current->text(), last);
-    DialogDriver driver;
-    driver.overlook(&dialog);
-    QTimer::singleShot(0, &dialog, [&] {
-        if (way == "close") {
-            dialog.close();
-        } else if (way == "return") {
-            dialog.activateWindow();
-            QVERIFY(QTest::qWaitForWindowActive(&dialog));
-            dialog.ui->pushButton_2->setFocus();
-            QTest::keyClick(dialog.ui->pushButton_2, Qt::Key_Return);
-        } else {
-            dialog.findChild<QPushButton *>(way)->click();
+    const QString show = "/gone/a show.gsw3";
+    const struct
+    {
+        QString way; // a button, or another way to end it
+        QString last;
+        QString loadPath;
+    } rows[] = {{"pushButton0", "", ""}, {"load_current", show, show}, {"close", show, ""}, {"return", show, ""}};
+    for (const auto &row : rows) {
+        if (!row.last.isEmpty()) {
+            env->setValue("main/currentfile", row.last);
         }
-    });
-    QCOMPARE(dialog.exec(), 0);
-    QVERIFY(driver.done());
-    QCOMPARE(dialog.loadPath, loadPath);
+        about dialog;
+        QCOMPARE(dialog.ui->label_3->text(), QString("Glowsmith ver3.104"));
+        QCOMPARE(dialog.ui->load_current->isHidden(), row.last.isEmpty());
+        QCOMPARE(dialog.ui->load_current->text(), row.last);
+        DialogDriver driver;
+        driver.overlook(&dialog);
+        QTimer::singleShot(0, &dialog, [&] {
+            if (row.way == "close") {
+                dialog.close();
+            } else if (row.way == "return") {
+                dialog.activateWindow();
+                QVERIFY(QTest::qWaitForWindowActive(&dialog));
+                dialog.ui->pushButton_2->setFocus();
+                QTest::keyClick(dialog.ui->pushButton_2, Qt::Key_Return);
+            } else {
+                dialog.findChild<QPushButton *>(row.way)->click();
+            }
+        });
+        QCOMPARE(dialog.exec(), 0);
+        QVERIFY(driver.done());
+        QCOMPARE(dialog.loadPath, row.loadPath);
+    }
 }
 
 void TestAbout::loadButtonStaysWithoutAFile()
 {
     const QString show = env->path("home/Documents/show.gsw3");
-    QFile file(show);
-    QVERIFY(file.open(QIODevice::WriteOnly));
-    file.close();
-
+    QVERIFY(put(show));
     about dialog;
     dialog.show();
     DialogDriver driver;
@@ -120,51 +111,47 @@ void TestAbout::loadButtonStaysWithoutAFile()
     QVERIFY(driver.done());
 }
 
-void TestAbout::checkAnswers_data()
-{
-    QTest::addColumn<QByteArray>("body");
-    QTest::addColumn<QByteArray>("status"); // empty: nobody listens; "endless": the body never ends
-    QTest::addColumn<bool>("succeeds");
-    const auto row = [](const char *name, const char *body, const char *status, bool succeeds) {
-        QTest::newRow(name) << QByteArray(body) << QByteArray(status) << succeeds;
-    };
-    row("equal", "3.104", "200 OK", true);
-    row("older", "3.1039\nnote;;x", "200 OK", true);
-    row("no number", "soon\nnote", "200 OK", true);
-    row("dotted pair", "3.104.1\n", "200 OK", true);
-    row("blank first line", "\n9.9", "200 OK", true);
-    row("empty body", "", "200 OK", false);
-    row("page not found", "4.0\nnote", "404 Not Found", false);
-    row("server error", "4.0\nnote", "500 Internal Server Error", false);
-    row("elsewhere", "4.0\nnote", "302 Found", false);
-    row("never ends", "4.0\nnote", "endless", false);
-    row("unreachable", "", "", false);
-}
-
 void TestAbout::checkAnswers()
 {
-    QFETCH(const QByteArray, body);
-    QFETCH(const QByteArray, status);
-    QFETCH(const bool, succeeds);
-    server->endless = status == "endless";
-    server->answer(body, server->endless ? "200 OK" : status);
-    if (status.isEmpty())
-        server->close();
-    DialogDriver driver;
-    if (!succeeds)
-        driver.answerBox(QMessageBox::Ok);
-    const about dialog;
-    if (succeeds) {
-        QTRY_COMPARE_WITH_TIMEOUT(dialog.ui->pushButton_3->text(), upToDate, 30000);
-        QCOMPARE(server->requests, QByteArrayList{"GET /version HTTP/1.1"});
-        QVERIFY(driver.boxes().isEmpty());
-    } else {
-        QTRY_COMPARE_WITH_TIMEOUT(driver.boxes().size(), 1, 30000);
-        QCOMPARE(driver.boxes().first().title, QString());
-        QCOMPARE(driver.boxes().first().text, QString("<font color='white'>無法連線至更新伺服器</font>"));
-        QCOMPARE(dialog.ui->pushButton_3->text(), QString("檢查更新..."));
+    const struct
+    {
+        const char *body;
+        QByteArray status; // empty: nobody listens; "endless": the body never ends
+        bool succeeds;
+    } rows[] = {{"3.104", "200 OK", true},
+                {"3.1039\nolder;;x", "200 OK", true},
+                {"no number\nnote", "200 OK", true},
+                {"3.104.1\n", "200 OK", true},
+                {"\n9.9", "200 OK", true},
+                {"", "200 OK", false},
+                {"4.0\nnote", "404 Not Found", false},
+                {"4.0\nnote", "500 Internal Server Error", false},
+                {"4.0\nnote", "302 Found", false},
+                {"4.0\nnote", "endless", false},
+                {"", "", false}};
+    for (const auto &row : rows) {
+        server->requests.clear();
+        server->endless = row.status == "endless";
+        server->answer(row.body, server->endless ? "200 OK" : row.status);
+        if (row.status.isEmpty()) {
+            server->close();
+        }
+        DialogDriver driver;
+        if (!row.succeeds) {
+            driver.answerBox(QMessageBox::Ok);
+        }
+        const about dialog;
+        if (row.succeeds) {
+            QTRY_COMPARE_WITH_TIMEOUT(dialog.ui->pushButton_3->text(), upToDate, 30000);
+            QCOMPARE(server->requests, QByteArrayList{"GET /version HTTP/1.1"});
+        } else {
+            QTRY_COMPARE_WITH_TIMEOUT(driver.boxes().size(), 1, 30000);
+            QCOMPARE(driver.boxes().first().title, QString());
+            QCOMPARE(driver.boxes().first().text, QString("<font color='white'>無法連線至更新伺服器</font>"));
+            QCOMPARE(dialog.ui->pushButton_3->text(), notAsked);
+        }
+        QVERIFY(driver.done());
     }
-    QVERIFY(driver.done());
 }
 
 void TestAbout::newerVersionAsks()
@@ -191,18 +178,15 @@ void TestAbout::newerVersionAsks()
         QCOMPARE(box.buttons, QMessageBox::Yes | QMessageBox::No);
         QCOMPARE(box.defaultButton, QMessageBox::Yes);
         QVERIFY(dialog.isVisible());
-        QCOMPARE(dialog.ui->pushButton_3->text(), QString("檢查更新..."));
+        QCOMPARE(dialog.ui->pushButton_3->text(), notAsked);
     }
 }
 
 void TestAbout::acceptedUpdateEndsWithOne()
 {
 #ifdef Q_OS_UNIX
-    QFile updater("updater.exe");
-    QVERIFY(updater.open(QIODevice::WriteOnly));
-    updater.write("#!/bin/sh\necho \"$#\" > updated.part && mv updated.part updated\n");
-    updater.close();
-    QVERIFY(updater.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
+    QVERIFY(put("updater.exe", "#!/bin/sh\necho \"$#\" > updated.part && mv updated.part updated\n"));
+    QVERIFY(QFile::setPermissions("updater.exe", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
 #endif
     server->answer("4\n");
     about dialog;
@@ -214,9 +198,7 @@ void TestAbout::acceptedUpdateEndsWithOne()
     QCOMPARE(dialog.loadPath, QString());
 #ifdef Q_OS_UNIX
     QTRY_VERIFY_WITH_TIMEOUT(QFile::exists("updated"), 30000);
-    QFile updated("updated");
-    QVERIFY(updated.open(QIODevice::ReadOnly));
-    QCOMPARE(updated.readAll().trimmed(), QByteArray("0")); // no arguments
+    QCOMPARE(contentOf("updated"), QByteArray("0\n")); // no arguments
 #endif
 }
 

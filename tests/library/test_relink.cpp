@@ -1,16 +1,12 @@
 // Lost pictures in the window: the question, the search through folders, the editor's own question, and the picture
 // library.
-#include "app/mainwindow.h"
 #include "app/settingstext.h"
 #include "support/dialogdriver.h"
 #include "support/samples.h"
-#include "support/testenv.h"
-#include "support/windowcheck.h"
-#include "timeline/timeline.h"
+#include "support/windowtest.h"
 #include "timeline/timelineitem.h"
 #include "ui_mainwindow.h"
 
-#include <QDir>
 #include <QFileDialog>
 #include <QImage>
 #include <QtTest>
@@ -19,13 +15,11 @@
 #include <sys/stat.h>
 #endif
 
-class TestRelink : public QObject
+class TestRelink : public WindowTest
 {
     Q_OBJECT
 
 private slots:
-    void init();
-    void cleanup();
     void countsLostPicturesOfEveryTrack();
     void relinksThroughNestedFolders();
     void cancelledFolderEndsTheSearch();
@@ -35,29 +29,12 @@ private slots:
 private:
     QString picture(const QString &name, const QColor &colour = Qt::red);
     QString lost(const QString &name) const { return env->path("gone/" + name); }
-    TimelineItem *add(const QString &settings, int startMs);
     TimelineItem *addPicture(const QString &path, int startMs)
     {
-        return add(glow::composePicture(1, path, 0, false, false), startMs);
+        return add(patternBlob(glow::composePicture(1, path, 0, false, false), startMs));
     }
     static QString pathOf(const TimelineItem *item) { return glow::parseSettings(item->settingsText).picturePath(); }
-
-    QScopedPointer<TestEnv> env;
-    QScopedPointer<MainWindow> window;
 };
-
-void TestRelink::init()
-{
-    env.reset(new TestEnv);
-    window.reset(new MainWindow);
-    window->show();
-}
-
-void TestRelink::cleanup()
-{
-    window.reset();
-    env.reset();
-}
 
 QString TestRelink::picture(const QString &name, const QColor &colour)
 {
@@ -68,19 +45,12 @@ QString TestRelink::picture(const QString &name, const QColor &colour)
     return image.save(path, "PNG") ? path : QString();
 }
 
-TimelineItem *TestRelink::add(const QString &settings, int startMs)
-{
-    auto *item = new TimelineItem(patternBlob(settings, startMs), window->currentTimeline);
-    window->currentTimeline->addTimelineItem(item);
-    return item;
-}
-
 void TestRelink::countsLostPicturesOfEveryTrack()
 {
     addPicture(picture("a.png"), 0);
-    add("2?1?/gone/b.png|#000000|x|0|0?5|0|0", 1000);
-    add("1?#ff0000", 2000);
-    add(QString(), 3000);
+    add(patternBlob("2?1?/gone/b.png|#000000|x|0|0?5|0|0", 1000));
+    add(patternBlob("1?#ff0000", 2000));
+    add(patternBlob(QString(), 3000));
     DialogDriver driver;
     QCOMPARE(window->scanMissingPictures(), 1);
     QVERIFY(driver.done() && driver.boxes().isEmpty());
@@ -105,15 +75,13 @@ void TestRelink::relinksThroughNestedFolders()
     const QString deepA = picture("found/1/2/3/a.png");
     const QString deepB = picture("found/4/my b.png");
     const QString elsewhere = picture("other/c.png");
-    TimelineItem *first = addPicture(lost("a.png"), 0);
-    const TimelineItem *there = addPicture(kept, 1000);
+    QVector<const TimelineItem *> items = {addPicture(lost("a.png"), 0), addPicture(kept, 1000)};
     window->on_timeline_add_clicked();
-    const TimelineItem *second = addPicture(lost("b.png"), 0);
-    const TimelineItem *third = addPicture(lost("a.png"), 1000);
-    const TimelineItem *fourth = addPicture(lost("c.png"), 2000);
-    const TimelineItem *fifth = addPicture(lost("d.png"), 3000);
+    for (const char *name : {"b.png", "a.png", "c.png", "d.png"}) {
+        items << addPicture(lost(name), items.size() * 1000);
+    }
     window->updateStatus();
-    const QImage thumbnail = first->thumbnail.toImage();
+    const QImage thumbnail = items.first()->thumbnail.toImage();
     const QString picPath = window->picPath;
 
     // As long as something is lost and the user has folders to try, the question comes again with what is left.
@@ -131,13 +99,15 @@ void TestRelink::relinksThroughNestedFolders()
     }
     QCOMPARE(counts, (QStringList{"5", "2", "1"}));
     QCOMPARE(driver.files().first().title, QString("圖片位置"));
-    QCOMPARE((QStringList{pathOf(first), pathOf(second), pathOf(third), pathOf(fourth), pathOf(fifth), pathOf(there)}),
-             (QStringList{deepA, deepB, deepA, elsewhere, lost("d.png"), kept}));
-    QCOMPARE(first->settingsText, QString("0?1?%1?0|0|0").arg(deepA));
-    QCOMPARE(first->thumbnail.toImage(), thumbnail);
+    QStringList paths;
+    for (const TimelineItem *item : items) {
+        paths << pathOf(item);
+    }
+    QCOMPARE(paths, (QStringList{deepA, kept, deepB, deepA, elsewhere, lost("d.png")}));
+    QCOMPARE(items.first()->settingsText, QString("0?1?%1?0|0|0").arg(deepA));
+    QCOMPARE(items.first()->thumbnail.toImage(), thumbnail);
     QCOMPARE(window->picPath, picPath);
     QCOMPARE(window->history.index, 2);
-    QCOMPARE(whatIsWrong(*window), QString());
 
     // With the last one found nothing is asked any more.
     picture("last/d.png");
@@ -172,24 +142,19 @@ void TestRelink::editorAsksForAReplacement()
     TimelineItem *item = addPicture(lost("a.png"), 0);
     const QByteArray blob = item->itemData;
 
-    struct Answer
-    {
-        QMessageBox::StandardButton button;
-        QString file;
-    };
-    for (const Answer &answer :
-         {Answer{QMessageBox::No, {}}, Answer{QMessageBox::Yes, {}}, {QMessageBox::Yes, fresh}}) {
+    // Refused, then no file chosen, then one.
+    for (int round = 0; round < 3; ++round) {
         DialogDriver driver;
-        driver.answerBox(answer.button);
-        if (answer.button == QMessageBox::Yes) {
-            driver.answerFile(answer.file.isEmpty() ? QStringList() : QStringList(answer.file));
+        driver.answerBox(round == 0 ? QMessageBox::No : QMessageBox::Yes);
+        if (round > 0) {
+            driver.answerFile(round == 1 ? QStringList() : QStringList(fresh));
         }
         window->loadItemToEditor(item);
         QVERIFY2(driver.done(), qPrintable(driver.unexpected.join(' ')));
         QCOMPARE(driver.boxes().first().title, QString("圖片遺失"));
         QCOMPARE(driver.boxes().first().text, QString("圖片遺失，是否替換遺失圖片？"));
         QVERIFY(driver.files().isEmpty() || driver.files().first().title == "取代圖片");
-        QCOMPARE(window->ui->PicDir->text(), answer.file.isEmpty() ? old : fresh);
+        QCOMPARE(ui->PicDir->text(), round < 2 ? old : fresh);
         QCOMPARE(item->itemData, blob); // until the edit is applied
     }
     window->on_Add_Button_clicked();
@@ -214,9 +179,9 @@ void TestRelink::gathersThePictures()
         QVERIFY(answer.isEmpty() || driver.boxes().first().text == "圖庫匯出完成");
     };
     const QString three = picture("two/other.png", Qt::blue);
-    add("1?#ff0000", 0);
-    add(QString(), 1000);
-    add(QString("2?1?%1|#000000|x|0|0?5|0|0").arg(three), 2000);
+    add(patternBlob("1?#ff0000", 0));
+    add(patternBlob(QString(), 1000));
+    add(patternBlob(QString("2?1?%1|#000000|x|0|0?5|0|0").arg(three), 2000));
     gather({folder});
     QVERIFY(QDir(folder).isEmpty());
 
