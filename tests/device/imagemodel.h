@@ -7,12 +7,19 @@
 #include <QColor>
 #include <QPair>
 
-// The rules of the conversion once more, frame by frame and as plainly as they go: header and frame data.
-inline QPair<QByteArray, QByteArray> modelOf(const glow::DeviceShow &show)
+struct ImageModel
+{
+    QByteArray header;
+    QByteArray data;
+    QList<QPair<int, QByteArrayList>> entries; // repeat and frames
+};
+
+// The rules of the conversion once more, frame by frame and as plainly as they go.
+inline ImageModel modelOf(const glow::DeviceShow &show)
 {
     QByteArray list;
+    QList<QPair<int, QByteArrayList>> entries;
     QByteArray data("\xFF");
-    int count = 0;
     float drift = 0;
     const auto triple = [&show](QRgb colour) {
         QByteArray bytes;
@@ -24,7 +31,7 @@ inline QPair<QByteArray, QByteArray> modelOf(const glow::DeviceShow &show)
     const auto add = [&](int repeat, const QByteArrayList &frames) {
         list += QByteArray::number(repeat) + '\xFF';
         data += frames.join('\xFE') + '\xFF';
-        ++count;
+        entries.append({repeat, frames});
     };
     const auto addBlocks = [&](float ms, QRgb colour) {
         const int repeat = static_cast<int>(ms / 240.0F);
@@ -86,7 +93,24 @@ inline QPair<QByteArray, QByteArray> modelOf(const glow::DeviceShow &show)
     }
     const QByteArray tail = QByteArray::fromHex("00000006303030303000");
     const QByteArray rate = QByteArray::number(show.rateShown);
-    const QByteArray header = QByteArray(1, char(show.slot)) + "\xFF\xFE" + char(show.ledCount) + char(count) +
+    const QByteArray header = QByteArray(1, char(show.slot)) + "\xFF\xFE" + char(show.ledCount) + char(entries.size()) +
                               QByteArray(3, '\0') + char(rate.size()) + rate + '\xFF' + list + tail;
-    return {header, show.loop ? data + '\xFE' + tail : data};
+    return {header, show.loop ? data + '\xFE' + tail : data, entries};
+}
+
+// The ".bin" file: the header as two texts, the frame data in chunks, each behind its length. The last byte of the
+// second text and the end of the last chunk are what stood in the memory before.
+inline QByteArray binOf(const ImageModel &image)
+{
+    const auto length = [](int size) {
+        return QByteArray::fromHex(QByteArray::number(size, 16).rightJustified(8, '0'));
+    };
+    QByteArray bin = length(2) + image.header.left(1) + '\0';
+    bin += length(image.header.size()) + image.header.mid(1) + '\0';
+    QByteArray chunk(256, '\0');
+    for (int at = 0; at < image.data.size(); at += 256) {
+        const QByteArray next = image.data.mid(at, 256);
+        bin += length(256) + chunk.replace(0, next.size(), next);
+    }
+    return bin;
 }

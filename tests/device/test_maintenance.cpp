@@ -1,5 +1,5 @@
 // Wipe, firmware hand-over, terminal and lock, in the real window against a simulated prop.
-#include "device/devicewindow.h"
+#include "device/devicetest.h"
 
 #include "device/pass.h"
 #include "device/setup.h"
@@ -9,11 +9,8 @@
 #include "ui_setup.h"
 
 #include <QScrollBar>
-#include <QSerialPort>
 
 namespace {
-
-constexpr int longest = 60000; // milliseconds, for a busy machine
 
 // What a user does with the lock. A wrong password opens a box, which the driver can only answer once it has let go of
 // the lock.
@@ -30,14 +27,7 @@ void typePassword(QDialog *dialog, const QString &password)
 
 void unlock(QDialog *dialog)
 {
-    typePassword(dialog, QStringLiteral("qz"));
-}
-
-glow::ScanRules waitRules()
-{
-    glow::ScanRules rules;
-    rules.accepts = [](const QString &text) { return text.contains(QStringLiteral("Wait")); };
-    return rules;
+    typePassword(dialog, "qz");
 }
 
 // A port whose waits end at once, each with the next of the prop's sayings.
@@ -45,7 +35,8 @@ class ScriptedPort : public QSerialPort
 {
 public:
     explicit ScriptedPort(const QStringList &sayings)
-        : sayings(sayings)
+        : QSerialPort(glow::portName(0))
+        , sayings(sayings)
     {
     }
     qint64 bytesAvailable() const override { return said.size(); }
@@ -69,15 +60,25 @@ private:
     QByteArray said;
 };
 
-void send(const setup &terminal, const QString &command)
+class Terminal : public setup
 {
-    terminal.ui->COMMAND->setText(command);
-    QTest::mouseClick(terminal.ui->SEND_BUTTON, Qt::LeftButton);
-}
+public:
+    Terminal()
+        : setup(nullptr)
+    {
+        show();
+    }
+    QString text() const { return ui->MONITOR->toPlainText(); }
+    void send(const QString &command) const
+    {
+        ui->COMMAND->setText(command);
+        QTest::mouseClick(ui->SEND_BUTTON, Qt::LeftButton);
+    }
+};
 
 } // namespace
 
-class TestMaintenance : public QObject
+class TestMaintenance : public DeviceTest
 {
     Q_OBJECT
 
@@ -86,7 +87,6 @@ private slots:
     void wipeRounds();
     void earlyChatterIsNoAnswer();
     void wipeInTheWindow();
-    void wipeTimesOut();
     void lockStaysShut();
     void firmwareGetsItsArguments();
     void firmwareWithoutProp();
@@ -99,260 +99,220 @@ private slots:
 
 void TestMaintenance::wipeTranscript()
 {
-    const PortFolder on;
-    SimulatedProp prop;
-    QVERIFY(prop.start(on.port(0)));
+    Prop prop;
     QSerialPort port;
     glow::setUpPort(port, glow::maintenanceBaud);
+    glow::ScanRules rules;
+    rules.accepts = [](const QString &text) { return text.contains("Wait"); };
     int number = -1;
-    QCOMPARE(glow::scanPorts(port, number, waitRules()), glow::ScanResult::Found);
+    QCOMPARE(glow::scanPorts(port, number, rules), glow::ScanResult::Found);
     QCOMPARE(number, 0);
     QVERIFY(glow::wipeMemory(port));
+    QCOMPARE(port.baudRate(), 250000);
     port.close();
-    QVERIFY(prop.waitFor(portClosed));
-    const PropSession session = prop.sessions().last();
+    const PropSession session = prop.ended();
     QCOMPARE(session.kind, PropSession::Wipe);
     QCOMPARE(session.events.size(), 3);
     QCOMPARE(session.events.at(0).bytes, QByteArray("Wait\r\n"));
     QCOMPARE(session.events.at(1).kind, PropEvent::Received);
     QCOMPARE(session.events.at(1).bytes, QByteArray("DD"));
     QCOMPARE(session.events.at(2).bytes, QByteArray("Wait\r\n"));
-    QCOMPARE(port.baudRate(), 250000);
 }
 
 void TestMaintenance::wipeRounds()
 {
     // With a limit of 5000 and steps of 100 the word counts up to the 51st round. The first saying is there when the
     // rounds begin; each round hears one. Words in two pieces count, those of another case do not.
-    const auto wiped = [](int before, const QStringList &sayings) {
-        const PortFolder on;
-        SimulatedProp prop;
-        QStringList all;
+    const auto wiped = [](int before, QStringList sayings) {
+        const Prop prop;
         for (int i = 0; i < before; ++i) {
-            all << QStringLiteral(".");
+            sayings.prepend(".");
         }
-        ScriptedPort port(all + sayings);
-        port.setPortName(on.port(0));
-        return prop.start(on.port(0)) && port.open(QIODevice::ReadWrite) && glow::wipeMemory(port);
+        ScriptedPort port(sayings);
+        return port.open(QIODevice::ReadWrite) && glow::wipeMemory(port);
     };
-    const QString word = QStringLiteral("..Wait..");
-    QVERIFY(wiped(0, {word}));
-    QVERIFY(wiped(49, {word})); // seen when 5000 are counted
-    QVERIFY(!wiped(50, {word, word}));
-    QVERIFY(wiped(3, {QStringLiteral("Wa"), QStringLiteral("it")}));
-    QVERIFY(!wiped(0, {QStringLiteral("wait")}));
+    QVERIFY(wiped(0, {"..Wait.."}));
+    QVERIFY(wiped(49, {"..Wait.."})); // seen when 5000 are counted
+    QVERIFY(!wiped(50, {"..Wait..", "..Wait.."}));
+    QVERIFY(wiped(3, {"Wa", "it"}));
+    QVERIFY(!wiped(0, {"wait"}));
 }
 
 void TestMaintenance::earlyChatterIsNoAnswer()
 {
-    const PortFolder on;
     PropBehaviour behaviour;
     behaviour.wiped.clear();
     behaviour.chatter = {{60, "Wait "}, {90, "Wait "}};
-    SimulatedProp prop(behaviour);
-    QVERIFY(prop.start(on.port(0)));
-    QSerialPort port(on.port(0));
+    Prop prop(0, behaviour);
+    QSerialPort port(glow::portName(0));
     QVERIFY(port.open(QIODevice::ReadWrite));
     QVERIFY(glow::waitForData(port, 5000)); // one part ends up in Qt's buffer, the other in the driver's
     QVERIFY(prop.waitFor([](const QVector<PropSession> &all) { return all.last().events.size() == 3; }));
-    glow::WipeTimes times;
-    times.first = 50;
-    times.round = 10;
-    times.limit = 100;
-    QVERIFY(!glow::wipeMemory(port, times));
+    QVERIFY(!glow::wipeMemory(port, {50, 10, 100}));
     QVERIFY(prop.waitFor([](const QVector<PropSession> &all) { return all.last().received == "DD"; }));
 }
 
 void TestMaintenance::wipeInTheWindow()
 {
-    const QString done = QStringLiteral("記憶體清除完成");
-    const QString none = QStringLiteral("偵測不到裝置！");
-    const QString late = QStringLiteral("清除記憶體逾時");
+    glow::deviceWaitMs = 800;
+    const QString done = "記憶體清除完成";
+    const QString none = "偵測不到裝置！";
+    const QString late = "清除記憶體逾時";
     const struct
     {
         int number; // of the port, with a silent one before it; -1: neither
         QByteArray greeting;
         QByteArray later; // said soon after
+        QByteArray wiped;
         int vanishAfter;
         QByteArray received;
         QString text;
-    } rows[] = {
-        {-1, "", "", -1, "", none},    {7, "Wait", "", -1, "DD", done}, {7, "Hello", "now Wait", -1, "DD", done},
-        {7, "wait", "", -1, "", none}, {99, "", "", -1, "", late},      {7, "Wait", "", 2, "DD", late}};
+    } rows[] = {{-1, "", "", "", -1, "", none},
+                {7, "Wait", "", "Wait", -1, "DD", done},
+                {8, "Hello", "now Wait", "Wait", -1, "DD", done},
+                {9, "wait", "", "Wait", -1, "", none},
+                {99, "", "", "Wait", -1, "", late},
+                {10, "Wait", "", "Wait", 2, "DD", late},
+                {11, "Wait", "", "", -1, "DD", late}};
     for (const auto &row : rows) {
-        DeviceWindow on;
-        glow::deviceWaitMs = 800;
-        PropBehaviour behaviour;
-        behaviour.greeting = row.greeting;
+        PropBehaviour behaviour = greets(row.greeting);
         behaviour.chatter = {{100, row.later}};
+        behaviour.wiped = row.wiped;
         behaviour.vanishAfter = row.vanishAfter;
-        SimulatedProp silent(silentProp());
-        SimulatedProp prop(behaviour);
-        QVERIFY(row.number < 0 || (silent.start(on.port(2)) && prop.start(on.port(row.number))));
+        QScopedPointer<Prop> silent(row.number < 0 ? nullptr : new Prop(2, silence));
+        QScopedPointer<Prop> prop(row.number < 0 ? nullptr : new Prop(row.number, behaviour));
         DialogDriver driver;
         driver.answerBox(QMessageBox::Ok);
-        on.ui->actionFormat->trigger();
+        QElapsedTimer clock;
+        clock.start();
+        ui->actionFormat->trigger();
         QVERIFY(driver.done());
         QCOMPARE(driver.boxes().at(0).title, QString());
         QCOMPARE(driver.boxes().at(0).text, row.text);
+        QCOMPARE(driver.boxes().at(0).icon == QMessageBox::Warning, row.text != done);
         if (row.number >= 0) {
-            QVERIFY(prop.waitFor(portClosed) && silent.waitFor(portClosed));
-            QVERIFY(silent.sessions().last().received.isEmpty());
-            QCOMPARE(prop.sessions().last().received, row.received);
+            QVERIFY(silent->ended().received.isEmpty());
+            QCOMPARE(prop->ended().received, row.received);
+            QVERIFY(!row.wiped.isEmpty() || clock.elapsed() >= 5600); // 500 ms and 51 rounds of 100 ms
         }
     }
 }
 
-void TestMaintenance::wipeTimesOut()
-{
-    DeviceWindow on;
-    PropBehaviour behaviour;
-    behaviour.wiped.clear();
-    SimulatedProp prop(behaviour);
-    QVERIFY(prop.start(on.port(0)));
-    DialogDriver driver;
-    driver.answerBox(QMessageBox::Ok);
-    QElapsedTimer clock;
-    clock.start();
-    on.ui->actionFormat->trigger();
-    QVERIFY(clock.elapsed() >= 5600); // 500 ms and 51 rounds of 100 ms
-    QCOMPARE(driver.boxes().at(0).icon, QMessageBox::Warning);
-    QCOMPARE(driver.boxes().at(0).text, QStringLiteral("清除記憶體逾時"));
-    QVERIFY(prop.waitFor(portClosed));
-}
-
 void TestMaintenance::lockStaysShut()
 {
-    DeviceWindow on;
     DialogDriver driver;
-    driver.answerWith([](QDialog *dialog) { typePassword(dialog, QStringLiteral("QZ")); });
+    driver.answerWith([](QDialog *dialog) { typePassword(dialog, QString("QZ")); });
     driver.answerBox(QMessageBox::Ok);
     driver.answerWith([](QDialog *dialog) {
         auto *pass = qobject_cast<Pass *>(dialog);
         QVERIFY(pass != nullptr);
-        QCOMPARE(pass->ui->lineEdit->text(), QStringLiteral("QZ")); // not cleared
+        QCOMPARE(pass->ui->lineEdit->text(), QString("QZ")); // not cleared
         QCOMPARE(pass->ui->lineEdit->echoMode(), QLineEdit::Password);
-        QCOMPARE(pass->windowTitle(), QStringLiteral("後台密碼"));
+        QCOMPARE(pass->windowTitle(), QString("後台密碼"));
         pass->reject();
     });
-    on.ui->action_admin->trigger();
+    ui->action_admin->trigger();
     QVERIFY(driver.done());
-    QCOMPARE(driver.boxes().at(0).text, QStringLiteral("密碼錯誤"));
+    QCOMPARE(driver.boxes().at(0).text, QString("密碼錯誤"));
     driver.answerWith([](QDialog *dialog) { dialog->reject(); });
-    on.ui->actionFirUpdate->trigger(); // nothing follows: no box about a missing prop
+    ui->actionFirUpdate->trigger(); // nothing follows: no box about a missing prop
     QVERIFY(driver.done());
     QCOMPARE(driver.boxes().size(), 1);
 }
 
 void TestMaintenance::firmwareGetsItsArguments()
 {
-    DeviceWindow on;
-    QVERIFY(QDir().mkpath(QStringLiteral("tool")));
-    QFile script(QStringLiteral("tool/maple_upload.bat"));
-    QVERIFY(script.open(QIODevice::WriteOnly));
-    script.write("#!/bin/sh\nprintf '%s\\n' \"$@\" > arguments.part\nmv arguments.part arguments\n");
-    script.close();
-    QVERIFY(script.setPermissions(script.permissions() | QFile::ExeOwner));
-    SimulatedProp prop;
-    QVERIFY(prop.start(on.port(5)));
+    const QString script = "tool/maple_upload.bat";
+    QVERIFY(put(script, "#!/bin/sh\nprintf '%s\\n' \"$@\" > arguments.part\nmv arguments.part arguments\n"));
+    QVERIFY(QFile::setPermissions(script, QFile::permissions(script) | QFile::ExeOwner));
+    Prop prop(5);
     DialogDriver driver;
     driver.answerWith(unlock);
-    on.ui->actionFirUpdate->trigger();
+    ui->actionFirUpdate->trigger();
     QVERIFY(driver.done() && driver.boxes().isEmpty());
-    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(QStringLiteral("arguments")), longest);
-    QCOMPARE(QString::fromUtf8(fileBytes(QStringLiteral("arguments"))),
-             QStringLiteral("COM5\n2\n1EAF:0003\n%1/tool/firm/Brevon.RE.bin\n").arg(QDir::currentPath()));
-    QVERIFY(prop.waitFor(portClosed)); // the script can have the port
-    QVERIFY(prop.sessions().last().received.isEmpty());
+    QTRY_VERIFY_WITH_TIMEOUT(QFile::exists("arguments"), longest);
+    QCOMPARE(QString::fromUtf8(contentOf("arguments")),
+             QString("COM5\n2\n1EAF:0003\n%1/tool/firm/Brevon.RE.bin\n").arg(QDir::currentPath()));
+    QVERIFY(prop.ended().received.isEmpty()); // the script can have the port
 }
 
 void TestMaintenance::firmwareWithoutProp()
 {
-    DeviceWindow on;
     glow::deviceWaitMs = 800;
     DialogDriver driver;
     driver.answerBox(QMessageBox::Ok);
-    on.window->updatesystem();
+    window->updatesystem();
     QVERIFY(driver.done());
     QCOMPARE(driver.boxes().at(0).icon, QMessageBox::Warning);
-    QCOMPARE(driver.boxes().at(0).text, QStringLiteral("找不到裝置！"));
-    SimulatedProp silent(silentProp());
-    QVERIFY(silent.start(on.port(99)));
-    on.window->updatesystem(); // the last port silent: nothing
-    SimulatedProp prop;
-    QVERIFY(prop.start(on.port(3)));
-    on.window->updatesystem(); // no script: nothing
-    QVERIFY(prop.waitFor(portClosed));
+    QCOMPARE(driver.boxes().at(0).text, QString("找不到裝置！"));
+    const Prop silent(99, silence);
+    window->updatesystem(); // the last port silent: nothing
+    Prop prop(3);
+    window->updatesystem(); // no script: nothing
+    prop.ended();
     QCOMPARE(driver.boxes().size(), 1);
 }
 
 void TestMaintenance::terminalTalks()
 {
-    DeviceWindow on;
-    SimulatedProp prop;
-    QVERIFY(prop.start(on.port(4)));
+    Prop prop(4);
     DialogDriver driver;
     driver.answerWith(unlock);
     driver.answerWith([&prop](QDialog *dialog) {
         auto *terminal = qobject_cast<setup *>(dialog);
         QVERIFY(terminal != nullptr);
-        QCOMPARE(terminal->windowTitle(), QStringLiteral("Serial COM"));
+        QCOMPARE(terminal->windowTitle(), QString("Serial COM"));
         QCOMPARE(terminal->portNumber, 4);
-        QCOMPARE(terminal->ui->MONITOR->toPlainText(), QStringLiteral("連線中...COM4連接成功")); // no greeting
+        QPlainTextEdit *monitor = terminal->ui->MONITOR;
+        QLineEdit *command = terminal->ui->COMMAND;
+        QCOMPARE(monitor->toPlainText(), QString("連線中...COM4連接成功")); // no greeting
         QVERIFY(QTest::qWaitForWindowActive(terminal));
-        QVERIFY(terminal->ui->COMMAND->hasFocus()); // ready for typing
-        QTest::keyClicks(terminal->ui->COMMAND, QStringLiteral("AT"));
-        QTest::keyClick(terminal->ui->COMMAND, Qt::Key_Return);
-        QCOMPARE(terminal->ui->COMMAND->text(), QString());
-        QTRY_VERIFY(terminal->ui->MONITOR->toPlainText().endsWith(QStringLiteral("連接成功Simulated prop\n")));
-        QTest::keyClicks(terminal->ui->COMMAND, QStringLiteral("AP3"));
+        QVERIFY(command->hasFocus()); // ready for typing
+        QTest::keyClicks(command, "AT");
+        QTest::keyClick(command, Qt::Key_Return);
+        QCOMPARE(command->text(), QString());
+        QTRY_VERIFY(monitor->toPlainText().endsWith("連接成功Simulated prop\n"));
+        QTest::keyClicks(command, "AP3");
         QTest::mouseClick(terminal->ui->SEND_BUTTON, Qt::LeftButton);
-        QTRY_VERIFY(terminal->ui->MONITOR->toPlainText().contains(QStringLiteral("Playing track 3")));
+        QTRY_VERIFY(monitor->toPlainText().contains("Playing track 3"));
         QCOMPARE(prop.sessions().last().received, QByteArray("ATAP3")); // once each, no line endings
         terminal->close();
     });
-    on.ui->action_admin->trigger();
+    ui->action_admin->trigger();
     QVERIFY(driver.done());
-    QVERIFY(prop.waitFor(portClosed)); // the port goes with the dialog
+    prop.ended(); // the port goes with the dialog
 }
 
 void TestMaintenance::terminalSearches()
 {
-    const PortFolder on;
     {
-        setup terminal(nullptr);
-        QCOMPARE(terminal.ui->MONITOR->toPlainText(), QStringLiteral("連線中...\n偵測不到裝置！"));
-        terminal.show();
-        send(terminal, QStringLiteral("AT"));
-        QCOMPARE(terminal.ui->COMMAND->text(), QStringLiteral("AT")); // stays
+        const Terminal terminal;
+        QCOMPARE(terminal.text(), QString("連線中...\n偵測不到裝置！"));
+        terminal.send("AT");
+        QCOMPARE(terminal.ui->COMMAND->text(), QString("AT")); // stays
     }
     glow::deviceWaitMs = 800;
-    SimulatedProp silent(silentProp());
-    SimulatedProp lastOne(silentProp());
-    SimulatedProp prop;
-    QVERIFY(silent.start(on.port(1)) && lastOne.start(on.port(99)));
+    const Prop silent(1, silence);
+    const Prop lastOne(99, silence);
     {
-        const setup terminal(nullptr);
-        QCOMPARE(terminal.ui->MONITOR->toPlainText(), QStringLiteral("連線中...COM1not working.COM99not working."));
+        const Terminal terminal;
+        QCOMPARE(terminal.text(), QString("連線中...COM1not working.COM99not working."));
         QVERIFY(!terminal.serial->isOpen());
     }
-    QVERIFY(prop.start(on.port(20)));
-    const setup terminal(nullptr);
-    QCOMPARE(terminal.ui->MONITOR->toPlainText(), QStringLiteral("連線中...COM1not working.COM20連接成功"));
+    const Prop prop(20);
+    const Terminal terminal;
+    QCOMPARE(terminal.text(), QString("連線中...COM1not working.COM20連接成功"));
     QCOMPARE(terminal.serial->baudRate(), 250000);
 }
 
 void TestMaintenance::terminalScrolls()
 {
-    const PortFolder on;
-    SimulatedProp prop;
-    QVERIFY(prop.start(on.port(0)));
-    setup terminal(nullptr);
-    terminal.show();
+    const Prop prop;
+    const Terminal terminal;
     QPlainTextEdit *monitor = terminal.ui->MONITOR;
-    monitor->insertPlainText(QStringLiteral("\nline").repeated(200));
-    send(terminal, QStringLiteral("AT"));
-    QTRY_VERIFY(monitor->toPlainText().endsWith(QStringLiteral("lineSimulated prop\n")));
+    monitor->insertPlainText(QString("\nline").repeated(200));
+    terminal.send("AT");
+    QTRY_VERIFY(terminal.text().endsWith("lineSimulated prop\n"));
     // The cursor's line is seen; how far beyond it the bar goes is the font's affair.
     QTRY_VERIFY(monitor->viewport()->rect().contains(monitor->cursorRect().center()));
     QVERIFY(monitor->verticalScrollBar()->value() > 100);
@@ -363,56 +323,49 @@ void TestMaintenance::terminalScrolls()
     top.setPosition(3, QTextCursor::KeepAnchor); // marked text is not lost
     monitor->setTextCursor(top);
     monitor->verticalScrollBar()->setValue(50);
-    send(terminal, QStringLiteral("A0"));
-    QTRY_VERIFY(monitor->toPlainText().startsWith(QStringLiteral("連線中Full speed test\n...COM0連接成功")));
+    terminal.send("A0");
+    QTRY_VERIFY(terminal.text().startsWith("連線中Full speed test\n...COM0連接成功"));
     QCOMPARE(monitor->verticalScrollBar()->value(), 50);
     terminal.ui->checkBox->setChecked(true);
-    send(terminal, QStringLiteral("AS"));
-    QTRY_VERIFY(monitor->toPlainText().contains(QStringLiteral("test\nLED type changed\n...COM0")));
+    terminal.send("AS");
+    QTRY_VERIFY(terminal.text().contains("test\nLED type changed\n...COM0"));
     QVERIFY(monitor->verticalScrollBar()->value() <= 2); // to the cursor, now in the third line
 }
 
 void TestMaintenance::terminalTakesAnything()
 {
-    const PortFolder on;
     QByteArray bytes;
     for (int i = 0; i < 256; ++i) {
         bytes += static_cast<char>(i);
     }
-    const QByteArray chinese = QStringLiteral("完成").toUtf8();
+    const QByteArray chinese = "完成";
     PropBehaviour behaviour;
     // A character in two pieces, a line's end in two pieces, then every byte there is.
     behaviour.chatter = {
         {1500, chinese.left(4)}, {1800, chinese.mid(4) + "a\r"}, {2100, "\nb"}, {2400, bytes + bytes + "end"}};
-    SimulatedProp prop(behaviour);
-    QVERIFY(prop.start(on.port(0)));
-    setup terminal(nullptr);
-    terminal.show();
-    QTRY_VERIFY_WITH_TIMEOUT(terminal.ui->MONITOR->toPlainText().endsWith(QStringLiteral("end")), longest);
-    QVERIFY(terminal.ui->MONITOR->toPlainText().contains(QStringLiteral("連接成功完成a\nb")));
-    QVERIFY(!terminal.ui->MONITOR->toPlainText().contains(QChar::Null));
+    const Prop prop(0, behaviour);
+    const Terminal terminal;
+    QTRY_VERIFY_WITH_TIMEOUT(terminal.text().endsWith("end"), longest);
+    QVERIFY(terminal.text().contains("連接成功完成a\nb"));
+    QVERIFY(!terminal.text().contains(QChar::Null));
 }
 
 void TestMaintenance::terminalTakesAFlood()
 {
     // Ten megabytes without a line ending, the worst there is for a text view, then a word.
-    const PortFolder on;
     PropBehaviour behaviour;
     behaviour.chatter = {{1500, QByteArray(10 << 20, 'x') + "THE END"}};
-    SimulatedProp prop(behaviour);
-    QVERIFY(prop.start(on.port(0)));
-    setup terminal(nullptr);
-    terminal.show();
+    const Prop prop(0, behaviour);
+    const Terminal terminal;
     QElapsedTimer beat;
     qint64 pauseMs = 0;
     QTimer pulse;
     connect(&pulse, &QTimer::timeout, &terminal, [&beat, &pauseMs] { pauseMs = qMax(pauseMs, beat.restart()); });
     beat.start();
     pulse.start(1);
-    QTRY_VERIFY_WITH_TIMEOUT(terminal.ui->MONITOR->toPlainText().endsWith(QStringLiteral("THE END")), 3 * longest);
+    QTRY_VERIFY_WITH_TIMEOUT(terminal.text().endsWith("THE END"), 3 * longest);
     QVERIFY(terminal.ui->MONITOR->document()->characterCount() <= setup::monitorLimit + 1);
     QVERIFY2(pauseMs < 5000, qPrintable(QString::number(pauseMs)));
-    qInfo() << "longest pause of the event loop" << pauseMs << "ms";
 }
 
 QTEST_MAIN(TestMaintenance)

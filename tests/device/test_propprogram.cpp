@@ -1,20 +1,18 @@
 // The program glowsmith-prop, started and used as from a shell, by the upload of the window and of the command line.
-#include "device/devicewindow.h"
+#include "device/devicetest.h"
 
 #include "app/projectfile.h"
 #include "app/wholefile.h"
 #include "device/devicedecode.h"
 #include "device/showpicture.h"
 #include "device/wipe.h"
-#include "device/workerthread.h"
 
 #include <QImage>
 #include <QProcess>
-#include <QSerialPort>
 
 namespace {
 
-constexpr int patienceMs = 60000;
+const QString finished = "finish";
 
 QStringList words(const char *line)
 {
@@ -23,7 +21,7 @@ QStringList words(const char *line)
 
 } // namespace
 
-class TestPropProgram : public QObject
+class TestPropProgram : public DeviceTest
 {
     Q_OBJECT
 
@@ -39,41 +37,33 @@ private slots:
     void drawsAnyShow();
 
 private:
+    void listenFor(const QByteArray &text)
+    {
+        while (!output.contains(text) || !output.endsWith('\n')) {
+            QVERIFY(program.waitForReadyRead(longest));
+            output += program.readAllStandardOutput();
+        }
+    }
+
     // Starts it and sets the variable that it prints.
     void start(const char *arguments)
     {
-        program.start(QStringLiteral(GLOWSMITH_PROP), words(arguments));
+        program.start(GLOWSMITH_PROP, words(arguments));
         output.clear();
-        while (!output.contains("GLOWSMITH_PORT_PATTERN=") || !output.endsWith('\n')) {
-            QVERIFY(program.waitForReadyRead(patienceMs));
-            output += program.readAllStandardOutput();
-        }
+        listenFor("GLOWSMITH_PORT_PATTERN=");
         qputenv("GLOWSMITH_PORT_PATTERN", output.mid(output.indexOf('=') + 1).trimmed());
     }
 
     // Ends when the program has ended by itself.
     int endCode()
     {
-        if (!program.waitForFinished(patienceMs) || program.exitStatus() != QProcess::NormalExit) {
+        if (!program.waitForFinished(longest) || program.exitStatus() != QProcess::NormalExit) {
             return -1;
         }
         output += program.readAllStandardOutput();
         return program.exitCode();
     }
 
-    // The message of an upload, "finish" for none.
-    static QString upload()
-    {
-        WorkerThread thread;
-        QString heard;
-        connect(&thread, &WorkerThread::expmess, &thread, [&heard](const QString &text) { heard = text; });
-        thread.start();
-        const bool over = thread.wait(patienceMs);
-        QCoreApplication::processEvents();
-        return over && thread.uploadOk == 1 ? QStringLiteral("finish") : heard;
-    }
-
-    QScopedPointer<DeviceWindow> on;
     QProcess program;
     QByteArray output;
 };
@@ -81,87 +71,85 @@ private:
 // A second of red in the track slot 6, converted.
 void TestPropProgram::init()
 {
-    on.reset(new DeviceWindow(36, 100));
-    on->add(glow::ColourPattern, 0, 1000, Qt::red);
-    on->ui->prop_track->setCurrentIndex(5);
-    on->window->buildDeviceImage();
+    DeviceTest::init();
+    setLeds(36, 100);
+    addColour(0, 1000);
+    ui->prop_track->setCurrentIndex(5);
+    window->buildDeviceImage();
 }
 
 void TestPropProgram::cleanup()
 {
     program.kill();
     program.waitForFinished();
-    on.reset();
+    DeviceTest::cleanup();
 }
 
 void TestPropProgram::takesAnUpload()
 {
     start("--once --out got --link ports --number 12");
     QVERIFY(output.startsWith("prop on /dev/"));
-    QVERIFY(QFile::exists(QStringLiteral("ports/COM12")));
-    QCOMPARE(upload(), QStringLiteral("finish"));
+    QVERIFY(QFile::exists("ports/COM12"));
+    QCOMPARE(Upload().run(), finished);
     QCOMPARE(endCode(), 0);
     QVERIFY2(output.contains("upload to track 6: 1 entries, 36 LEDs, 100 columns a second"), output.constData());
-    QCOMPARE(fileBytes("got/show-1.header"), fileBytes("extemp2.tmp").chopped(2));
-    QCOMPARE(fileBytes("got/show-1.frames"), fileBytes("extemp.tmp"));
-    const QColor drawn = QImage(QStringLiteral("got/show-1.png")).pixelColor(240, 5);
+    QCOMPARE(contentOf("got/show-1.header"), contentOf("extemp2.tmp").chopped(2));
+    QCOMPARE(contentOf("got/show-1.frames"), contentOf("extemp.tmp"));
+    const QColor drawn = QImage("got/show-1.png").pixelColor(240, 5);
     QVERIFY(drawn.red() > 250 && drawn.green() == 0);
-    QVERIFY(!QFile::exists(QStringLiteral("ports/COM12")));
+    QVERIFY(!QFile::exists("ports/COM12"));
 }
 
 void TestPropProgram::takesAnUploadFromTheCommandLine()
 {
-    const QString path = on->env.path(QStringLiteral("show.gsw3"));
-    QCOMPARE(glow::writeWholeFile(path, glow::writeProject(on->window->asProject())).state, glow::WriteResult::Written);
+    const QString path = env->path("show.gsw3");
+    QCOMPARE(glow::writeWholeFile(path, glow::writeProject(window->asProject())).state, glow::WriteResult::Written);
     const auto run = [](const QStringList &arguments) {
         QProcess process;
-        process.start(QStringLiteral(GLOWSMITH_CLI), QStringList(QStringLiteral("upload")) + arguments);
-        process.waitForFinished(patienceMs);
-        return QString::number(process.exitCode()) + QStringLiteral(" ") +
+        process.start(GLOWSMITH_CLI, QStringList("upload") + arguments);
+        process.waitForFinished(longest);
+        return QString::number(process.exitCode()) + ' ' +
                QString::fromUtf8(process.readAllStandardOutput() + process.readAllStandardError());
     };
-    QCOMPARE(run({path}), QStringLiteral("1 No device detect!\n"));
+    QCOMPARE(run({path}), QString("1 No device detect!\n"));
     start("--once --out got --link ports");
     qputenv("GLOWSMITH_PORT_PATTERN", "ports/COM%1"); // from the working directory
-    QVERIFY(run({path, QStringLiteral("--slot"), QStringLiteral("6")}).startsWith(QStringLiteral("0 sent 1 patterns")));
+    QVERIFY(run({path, "--slot", "6"}).startsWith("0 sent 1 patterns"));
     QCOMPARE(endCode(), 0);
-    QCOMPARE(fileBytes("got/show-1.header"), fileBytes("extemp2.tmp").chopped(2));
-    QCOMPARE(fileBytes("got/show-1.frames"), fileBytes("extemp.tmp"));
+    QCOMPARE(contentOf("got/show-1.header") + contentOf("got/show-1.frames"), wholeUpload());
     start("--refuse --link ports");
-    QCOMPARE(run({path, QStringLiteral("--port"), QStringLiteral("ports/COM0")}),
-             QStringLiteral("1 the prop refused the show (ERROR02)\n"));
+    QCOMPARE(run({path, "--port", "ports/COM0"}), QString("1 the prop refused the show (ERROR02)\n"));
 }
 
 void TestPropProgram::complainsAboutBrokenData()
 {
     start("--once");
-    QFile data(QStringLiteral("extemp.tmp"));
-    QVERIFY(data.open(QIODevice::ReadWrite));
-    data.seek(150);
-    data.write("\xFE"); // a frame ends too early
-    data.close();
-    QCOMPARE(upload(), QStringLiteral("finish"));
+    QVERIFY(put("extemp.tmp", contentOf("extemp.tmp").replace(150, 1, "\xFE"))); // a frame ends too early
+    QCOMPARE(Upload().run(), finished);
     QCOMPARE(endCode(), 1);
     QVERIFY(program.readAllStandardError().contains("entry 1, frame 2 has"));
 }
 
 void TestPropProgram::misbehavesAsAsked()
 {
-    const QString none = QStringLiteral("偵測不到裝置！");
-    const QPair<const char *, QString> rows[] = {{"--refuse", QStringLiteral("ERROR02")},
-                                                 {"--silent", none},
-                                                 {"--delay 9000", none},
-                                                 {"--vanish 40", QString()}};
+    glow::deviceWaitMs = 1500;
+    const QString none = "偵測不到裝置！ terminated";
+    const struct
+    {
+        const char *arguments;
+        QString outcome;
+        bool staysOn;
+    } rows[] = {{"--refuse", "ERROR02 terminated", true},
+                {"--silent", none, true},
+                {"--delay 9000", none, true},
+                {"--vanish 40", "terminated", false}};
     for (const auto &row : rows) {
-        glow::deviceWaitMs = 1500;
-        start(row.first);
-        QCOMPARE(upload(), row.second);
-        if (row.second.isEmpty()) {
-            QCOMPARE(endCode(), 1); // gone; what came so far was no whole show
-        } else {
+        start(row.arguments);
+        QCOMPARE(Upload().run(), row.outcome);
+        if (row.staysOn) {
             program.terminate();
-            QCOMPARE(endCode(), 0);
         }
+        QCOMPARE(endCode(), row.staysOn ? 0 : 1); // one that is gone has got no whole show
     }
 }
 
@@ -171,14 +159,11 @@ void TestPropProgram::takesAWipeUntilTold()
     QSerialPort port;
     int number = 0;
     glow::ScanRules rules;
-    rules.accepts = [](const QString &text) { return text.contains(QStringLiteral("Wait")); };
+    rules.accepts = [](const QString &text) { return text.contains("Wait"); };
     QCOMPARE(glow::scanPorts(port, number, rules), glow::ScanResult::Found);
     QVERIFY(glow::wipeMemory(port));
     port.close();
-    while (!output.endsWith("wiped\n")) {
-        QVERIFY(program.waitForReadyRead(patienceMs));
-        output += program.readAllStandardOutput();
-    }
+    listenFor("wiped\n");
     program.terminate();
     QCOMPARE(endCode(), 0);
 }
@@ -189,7 +174,7 @@ void TestPropProgram::wrongUse()
         {"--help", 0},   {"--version", 0},         {"--what", 2}, {"--number 100", 2}, {"--vanish x", 2},
         {"show.bin", 2}, {"--out extemp.tmp/x", 1}};
     for (const auto &row : rows) {
-        program.start(QStringLiteral(GLOWSMITH_PROP), words(row.first));
+        program.start(GLOWSMITH_PROP, words(row.first));
         output.clear();
         QCOMPARE(endCode(), row.second);
         QVERIFY(!(row.second == 0 ? output : program.readAllStandardError()).isEmpty());

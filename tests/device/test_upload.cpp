@@ -1,145 +1,87 @@
 // The upload, against a simulated prop on a real pseudo-terminal.
-#include "device/devicewindow.h"
-
-#include "device/deviceimage.h"
-#include "device/portnames.h"
-#include "device/workerthread.h"
-#include "prop/simulatedprop.h"
+#include "device/devicetest.h"
 
 #include <QRandomGenerator>
-#include <QSerialPort>
 
 namespace {
 
-constexpr int longest = 60000; // milliseconds, for an upload on a busy machine
+const QString finished = "finish";
+const QString noDevice = "偵測不到裝置！ terminated";
 
-// A show of one colour after the other, each of one second: 80 LEDs at 100 columns a second are 6 KB a second.
-void writeShow(int seconds)
+// What an upload said that was cancelled so soon.
+QStringList cancelledAfter(int ms)
 {
-    glow::DeviceShow show;
-    show.ledCount = 80;
-    show.frameRate = 100.0F;
-    show.slot = 3;
-    for (int i = 0; i < seconds; ++i) {
-        glow::ShowPattern pattern;
-        pattern.startMs = i * 1000;
-        pattern.endMs = i * 1000 + 1000;
-        pattern.isColour = true;
-        pattern.colour = qRgb(255, i, 0);
-        show.patterns << pattern;
+    auto *upload = new Upload; // never destroyed, as in the program
+    upload->thread.start();
+    if (ms > 0) {
+        QTest::qWait(ms); // the moments are the point
     }
-    QFile data(QStringLiteral("extemp.tmp"));
-    QFile header(QStringLiteral("extemp2.tmp"));
-    QVERIFY(data.open(QIODevice::WriteOnly) && header.open(QIODevice::WriteOnly));
-    glow::writeDeviceImage(show, data, header);
+    upload->thread.kill();
+    if (!upload->thread.wait(longest)) {
+        return {"does not end"};
+    }
+    QCoreApplication::processEvents();
+    return upload->words;
 }
-
-// What goes over the wire: all but the header's last two bytes.
-QByteArray wholeUpload()
-{
-    return fileBytes(QStringLiteral("extemp2.tmp")).chopped(2) + fileBytes(QStringLiteral("extemp.tmp"));
-}
-
-// One upload with all that it reported, in order.
-struct Upload
-{
-    Upload()
-    {
-        auto *app = QCoreApplication::instance();
-        QObject::connect(&thread, &WorkerThread::progress, app, [this](int percent, int port) {
-            steps << percent;
-            ports << port;
-        });
-        QObject::connect(&thread, &WorkerThread::expmess, app, [this](const QString &text) { words << text; });
-        QObject::connect(&thread, &WorkerThread::finish, app, [this] { words << QStringLiteral("finish"); });
-        QObject::connect(&thread, &WorkerThread::terminated, app, [this] { words << QStringLiteral("terminated"); });
-    }
-
-    // Runs it to its end; what it said, but for the progress.
-    QString run()
-    {
-        thread.start();
-        if (!thread.wait(longest)) {
-            return QStringLiteral("does not end");
-        }
-        QCoreApplication::processEvents(); // delivers what the thread has said
-        return words.join(u' ') + (thread.serial->isOpen() ? QStringLiteral(", port open") : QString());
-    }
-
-    WorkerThread thread;
-    QVector<int> steps;
-    QVector<int> ports;
-    QStringList words;
-};
-
-const QString finished = QStringLiteral("finish");
-const QString noDevice = QStringLiteral("偵測不到裝置！ terminated");
 
 } // namespace
 
-class TestUpload : public QObject
+class TestUpload : public DeviceTest
 {
     Q_OBJECT
 
 private slots:
-    void init();
     void portNames();
     void transcript();
     void pieces();
-    void replies();
+    void outcomes();
     void laterPort();
     void lastPortSilent();
     void noFiles();
-    void vanishes();
     void earlyClosingReply();
-    void cancelHoldsThePort();
-    void cancelAtTheEnds();
-    void hundredCancels();
+    void cancels();
 
 private:
-    QScopedPointer<PortFolder> on;
+    void writeShow(int seconds)
+    {
+        ui->prop_track->setCurrentIndex(2);
+        addSeconds(seconds);
+        window->buildDeviceImage();
+    }
 };
-
-void TestUpload::init()
-{
-    on.reset(); // goes back to the folder it came from
-    on.reset(new PortFolder);
-}
 
 void TestUpload::portNames()
 {
-    QCOMPARE(glow::portLabel(7), QStringLiteral("COM7"));
-    QCOMPARE(glow::portName(99), on->port(99));
+    QCOMPARE(glow::portLabel(7), QString("COM7"));
+    QCOMPARE(glow::portName(99), env->path("COM99"));
     qputenv("GLOWSMITH_PORT_PATTERN", "ports/COM%1"); // a path, wherever the system's ports are
-    QCOMPARE(glow::portName(5), QDir::currentPath() + QStringLiteral("/ports/COM5"));
-    QCOMPARE(glow::portLabel(5), QStringLiteral("COM5"));
+    QCOMPARE(glow::portName(5), QDir::currentPath() + "/ports/COM5");
+    QCOMPARE(glow::portLabel(5), QString("COM5"));
     qputenv("GLOWSMITH_PORT_PATTERN", "rfcomm%1");
-    QCOMPARE(glow::portName(5), QStringLiteral("rfcomm5"));
+    QCOMPARE(glow::portName(5), QString("rfcomm5"));
     qunsetenv("GLOWSMITH_PORT_PATTERN");
 #ifdef Q_OS_WIN
-    QCOMPARE(glow::portName(5), QStringLiteral("COM5"));
+    QCOMPARE(glow::portName(5), QString("COM5"));
 #else
-    QCOMPARE(glow::portName(0), QStringLiteral("ttyACM0"));
-    QCOMPARE(glow::portName(49), QStringLiteral("ttyACM49"));
-    QCOMPARE(glow::portName(50), QStringLiteral("ttyUSB0"));
-    QCOMPARE(glow::portLabel(99), QStringLiteral("ttyUSB49"));
+    QCOMPARE(glow::portName(0), QString("ttyACM0"));
+    QCOMPARE(glow::portName(49), QString("ttyACM49"));
+    QCOMPARE(glow::portName(50), QString("ttyUSB0"));
+    QCOMPARE(glow::portLabel(99), QString("ttyUSB49"));
 #endif
 }
 
 void TestUpload::transcript()
 {
     writeShow(20);
-    const QByteArray data = fileBytes(QStringLiteral("extemp.tmp"));
-    const QByteArray header = fileBytes(QStringLiteral("extemp2.tmp"));
+    const QByteArray data = contentOf("extemp.tmp");
+    const QByteArray header = contentOf("extemp2.tmp");
     PropBehaviour behaviour;
     behaviour.replyMs = 30;
-    SimulatedProp prop(behaviour);
-    QVERIFY2(prop.start(on->port(0)), qPrintable(prop.error()));
+    Prop prop(0, behaviour);
     Upload upload;
     QCOMPARE(upload.run(), finished);
-    QVERIFY(prop.waitFor(portClosed));
 
-    const PropSession session = prop.sessions().last();
+    const PropSession session = prop.ended();
     QCOMPARE(session.track, 3);
     QCOMPARE(session.received, wholeUpload());
     QCOMPARE(session.show.problems, QStringList());
@@ -170,42 +112,51 @@ void TestUpload::transcript()
 
 void TestUpload::pieces()
 {
+    writeShow(1);
     const QMap<int, QVector<int>> stepsOfSize = {
         {2, {0, 100}}, {2048, {0, 100}}, {2049, {0, 98, 100}}, {6144, {0, 33, 66, 100}}};
     for (auto it = stepsOfSize.begin(); it != stepsOfSize.end(); ++it) {
-        writeShow(1);
-        QFile data(QStringLiteral("extemp.tmp"));
-        QVERIFY(data.open(QIODevice::WriteOnly));
-        data.write(QByteArray(it.key(), '\xFF')); // an empty entry and foreign bytes; the host does not look
-        data.close();
-        SimulatedProp prop;
-        QVERIFY(prop.start(on->port(0)));
+        // An empty entry and foreign bytes; the host does not look.
+        QVERIFY(put("extemp.tmp", QByteArray(it.key(), '\xFF')));
+        Prop prop;
         Upload upload;
         QCOMPARE(upload.run(), finished);
         QCOMPARE(upload.steps, it.value());
-        QVERIFY(prop.waitFor(portClosed));
-        QCOMPARE(prop.sessions().last().received, wholeUpload());
+        QCOMPARE(prop.ended().received, wholeUpload());
     }
 }
 
-void TestUpload::replies()
+void TestUpload::outcomes()
 {
-    const QString refused = QStringLiteral("ERROR02 terminated");
-    const QPair<QByteArray, QString> rows[] = {
-        {"ERR", refused},  {"no\r\nTERRIBLE", refused}, {QByteArray("\0ERR", 4), refused},
-        {"err", finished}, {"\xFF\xFE\x80", finished},  {"", QStringLiteral("ERROR01 terminated")}};
+    writeShow(10);
+    const QString refused = "ERROR02 terminated";
+    const QString unanswered = "ERROR01 terminated";
+    const struct
+    {
+        QByteArray reply;
+        int vanishAfter; // bytes: at the track byte, in the header, in the data; -1: stays
+        QString outcome;
+    } rows[] = {{"OK", 1, unanswered},
+                {"OK", 10, "terminated"},
+                {"OK", 20000, "terminated"},
+                {"", -1, unanswered},
+                {"ERR", -1, refused},
+                {"no\r\nTERRIBLE", -1, refused},
+                {QByteArray("\0ERR", 4), -1, refused},
+                {"err", -1, finished},
+                {"\xFF\xFE\x80", -1, finished}};
     for (const auto &row : rows) {
-        glow::deviceWaitMs = row.first.isEmpty() ? 1000 : 5000;
-        writeShow(1);
+        glow::deviceWaitMs = row.reply.isEmpty() ? 1000 : 5000;
         PropBehaviour behaviour;
-        behaviour.reply = row.first;
-        SimulatedProp prop(behaviour);
-        QVERIFY(prop.start(on->port(0)));
+        behaviour.reply = row.reply;
+        behaviour.vanishAfter = row.vanishAfter;
+        Prop prop(0, behaviour);
         Upload upload;
-        QCOMPARE(upload.run(), row.second);
-        QVERIFY(prop.waitFor(portClosed));
-        QCOMPARE(prop.sessions().last().received, row.second == finished ? wholeUpload() : QByteArray("\3"));
-        QCOMPARE(upload.steps.isEmpty(), row.second != finished);
+        QCOMPARE(upload.run(), row.outcome);
+        if (row.vanishAfter < 0) {
+            QCOMPARE(prop.ended().received, row.outcome == finished ? wholeUpload() : QByteArray("\3"));
+            QCOMPARE(upload.steps.isEmpty(), row.outcome != finished);
+        }
     }
 }
 
@@ -214,25 +165,18 @@ void TestUpload::laterPort()
     // A silent port, one that answers too late, one that says nothing but a zero byte before its greeting.
     glow::deviceWaitMs = 800;
     writeShow(1);
-    PropBehaviour late;
-    late.greetingMs = 5000;
-    PropBehaviour slow;
-    slow.greetingMs = 400;
+    PropBehaviour slow = greets("Wait", 400);
     slow.chatter = {{5, QByteArray(1, '\0')}};
-    SimulatedProp silent(silentProp());
-    SimulatedProp tooLate(late);
-    SimulatedProp prop(slow);
-    QVERIFY(silent.start(on->port(2)) && tooLate.start(on->port(40)) && prop.start(on->port(70)));
+    Prop silent(2, silence);
+    Prop tooLate(40, greets("Wait", 5000));
+    const Prop prop(70, slow);
     Upload upload;
     QCOMPARE(upload.run(), finished);
     // The port that said something empty stays open while the names are counted on.
     QCOMPARE(upload.ports.last(), 71);
-    QVERIFY(silent.waitFor(portClosed) && tooLate.waitFor(portClosed));
-    QVERIFY(silent.sessions().last().received.isEmpty() && tooLate.sessions().last().received.isEmpty());
+    QVERIFY(silent.ended().received.isEmpty() && tooLate.ended().received.isEmpty());
 
-    slow.chatter.clear();
-    SimulatedProp plain(slow);
-    QVERIFY(plain.start(on->port(50)));
+    const Prop plain(50, greets("Wait", 400));
     Upload again;
     QCOMPARE(again.run(), finished);
     QCOMPARE(again.ports.last(), 50);
@@ -243,48 +187,26 @@ void TestUpload::lastPortSilent()
 {
     glow::deviceWaitMs = 50;
     writeShow(1);
-    Upload none;
-    QCOMPARE(none.run(), noDevice);
-    SimulatedProp prop(silentProp());
-    QVERIFY(prop.start(on->port(99)));
-    Upload upload;
-    QCOMPARE(upload.run(), QStringLiteral("terminated"));
-    QVERIFY(prop.waitFor(portClosed));
+    QCOMPARE(Upload().run(), noDevice);
+    Prop prop(99, silence);
+    QCOMPARE(Upload().run(), QString("terminated"));
+    prop.ended();
 }
 
 void TestUpload::noFiles()
 {
     writeShow(1);
-    SimulatedProp prop;
-    QVERIFY(prop.start(on->port(0)));
-    const auto outcome = [] { return Upload().run(); };
-    const QString trouble = QStringLiteral("輸出錯誤！ terminated");
-    QVERIFY(QFile::rename(QStringLiteral("extemp.tmp"), QStringLiteral("kept")));
-    QCOMPARE(outcome(), trouble);
-    QVERIFY(QFile::rename(QStringLiteral("kept"), QStringLiteral("extemp.tmp")));
-    QVERIFY(QFile::resize(QStringLiteral("extemp2.tmp"), 0)); // as a full disk leaves it
-    QCOMPARE(outcome(), trouble);
-    QVERIFY(QFile::remove(QStringLiteral("extemp2.tmp")));
-    QCOMPARE(outcome(), trouble);
-    QVERIFY(prop.waitFor([](const QVector<PropSession> &all) { return all.size() == 3 && portClosed(all); }));
-    QVERIFY(prop.sessions().last().received.isEmpty());
-}
-
-void TestUpload::vanishes()
-{
-    writeShow(10);
-    for (const int after : {1, 10, 20000}) { // at the track byte, in the header, in the data
-        PropBehaviour behaviour;
-        behaviour.vanishAfter = after;
-        SimulatedProp prop(behaviour);
-        QVERIFY(prop.start(on->port(0)));
-        Upload upload;
-        QCOMPARE(upload.run(), after == 1 ? QStringLiteral("ERROR01 terminated") : QStringLiteral("terminated"));
+    Prop prop;
+    const QString trouble = "輸出錯誤！ terminated";
+    for (const char *name : {"extemp.tmp", "extemp2.tmp"}) {
+        QVERIFY(QFile::rename(name, "kept"));
+        QCOMPARE(Upload().run(), trouble);
+        QVERIFY(QFile::rename("kept", name));
     }
-    SimulatedProp prop; // it comes back, and the next upload works
-    QVERIFY(prop.start(on->port(0)));
-    Upload upload;
-    QCOMPARE(upload.run(), finished);
+    QVERIFY(put("extemp2.tmp")); // empty, as a full disk leaves it
+    QCOMPARE(Upload().run(), trouble);
+    QVERIFY(prop.waitFor([](const QVector<PropSession> &all) { return all.size() == 3; }));
+    QVERIFY(prop.ended().received.isEmpty());
 }
 
 void TestUpload::earlyClosingReply()
@@ -295,41 +217,16 @@ void TestUpload::earlyClosingReply()
     PropBehaviour behaviour;
     behaviour.closing.clear();
     behaviour.chatter = {{1500, "bye"}};
-    SimulatedProp prop(behaviour);
-    QVERIFY(prop.start(on->port(0)));
-    Upload upload;
-    QCOMPARE(upload.run(), finished);
-    QVERIFY(prop.waitFor(portClosed));
-    QCOMPARE(prop.sessions().last().received, wholeUpload());
+    Prop prop(0, behaviour);
+    QCOMPARE(Upload().run(), finished);
+    QCOMPARE(prop.ended().received, wholeUpload());
 }
 
-void TestUpload::cancelHoldsThePort()
+void TestUpload::cancels()
 {
-    writeShow(100);
-    SimulatedProp prop;
-    QVERIFY(prop.start(on->port(0)));
-    auto *upload = new Upload; // never destroyed, as in the program
-    upload->thread.start();
-    QTRY_VERIFY_WITH_TIMEOUT(upload->steps.size() > 3, longest);
-    upload->thread.kill();
-    QVERIFY(upload->thread.wait(longest));
-    QCoreApplication::processEvents();
-    QVERIFY(upload->words.isEmpty());
-    QVERIFY(prop.sessions().last().open);
-    Upload next;
-    QCOMPARE(next.run(), noDevice);
-}
-
-void TestUpload::cancelAtTheEnds()
-{
-    writeShow(1);
+    writeShow(4);
     for (int round = 0; round < 50; ++round) {
-        auto *upload = new Upload;
-        upload->thread.start(QThread::InheritPriority);
-        upload->thread.kill(); // has hardly begun
-        QVERIFY(upload->thread.wait(longest));
-        QCoreApplication::processEvents();
-        QCOMPARE(upload->words, QStringList());
+        QCOMPARE(cancelledAfter(0), QStringList());
     }
     Upload upload;
     upload.thread.kill(); // never started
@@ -337,34 +234,19 @@ void TestUpload::cancelAtTheEnds()
     upload.thread.kill(); // long over
     upload.thread.kill();
     QVERIFY(upload.thread.isFinished());
-}
 
-void TestUpload::hundredCancels()
-{
-    writeShow(4);
     QRandomGenerator random(4711);
     int cut = 0;
     for (int round = 0; round < 100; ++round) {
-        PropBehaviour behaviour;
-        behaviour.greetingMs = 5;
-        SimulatedProp prop(behaviour);
-        QVERIFY(prop.start(on->port(round)));
-        auto *upload = new Upload;
-        upload->thread.start();
-        QTest::qWait(static_cast<int>(random.bounded(220))); // the moments are the point
-        upload->thread.kill();
-        QVERIFY(upload->thread.wait(longest));
-        QCoreApplication::processEvents();
-        cut += upload->words.isEmpty() ? 1 : 0;
+        const Prop prop(round, greets("Wait", 5));
+        cut += cancelledAfter(static_cast<int>(random.bounded(220))).isEmpty() ? 1 : 0;
     }
     QVERIFY2(cut > 50, qPrintable(QString::number(cut)));
     // Memory, debug stream and event queues still work, and so does an upload, on a port that nobody holds.
     init();
     writeShow(1);
-    SimulatedProp prop;
-    QVERIFY(prop.start(on->port(0)));
-    Upload upload;
-    QCOMPARE(upload.run(), finished);
+    const Prop prop;
+    QCOMPARE(Upload().run(), finished);
 }
 
 QTEST_MAIN(TestUpload)
