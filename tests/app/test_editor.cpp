@@ -15,207 +15,197 @@ class TestEditor : public WindowTest
     Q_OBJECT
 
 private slots:
-    void timeFieldsKeepInStep();
-    void countFollowsSpeedOrTyping();
-    void addTwiceFollowsOn();
-    void patternsComeBackWhole();
-    void editingKeepsToTheItem();
-    void foreignSettings();
+    void timeFieldsKeepInStep()
+    {
+        struct Step
+        {
+            char field; // the one that is set: start, end or length
+            int ms;
+            int start, length, end; // what all three hold then
+        };
+        for (const Step &step : {Step{'s', 62003, 62003, 5000, 67003},
+                                 {'e', 64253, 62003, 2250, 64253},
+                                 {'s', 10000, 10000, 2250, 12250},
+                                 {'e', 4000, 10000, 100, 10100},  // an end before the start
+                                 {'e', 3000, 10000, 100, 10100},  // once more, the length being the least already
+                                 {'e', 10040, 10000, 100, 10100}, // too short a length
+                                 {'l', 1001, 10000, 1001, 11001}, // 1.001 * 1000 is rounded, being just below 1001,
+                                 {'s', 0, 0, 1000, 1000},         // and cut when the start moves
+                                 {'e', 1500000, 0, 1000000, 1000000}}) {
+            if (step.field == 'l') {
+                ui->Mode_last->setValue(step.ms / 1000.0);
+            } else {
+                (step.field == 's' ? ui->Mode_t1 : ui->Mode_t2)->setTime(glow::timeOf(step.ms));
+            }
+            QCOMPARE(glow::msOf(ui->Mode_t1->time()), step.start);
+            QCOMPARE(qRound(ui->Mode_last->value() * 1000), step.length);
+            QCOMPARE(glow::msOf(ui->Mode_t2->time()), step.end);
+        }
+    }
+
+    void countFollowsSpeedOrTyping()
+    {
+        window->patternWidth = 500;
+        ui->Speed_slide->setValue(12);
+        ui->Mode_last->setValue(2.0);
+        QCOMPARE(shown("suggest Mode_loop"), QString("7 7")); // 2 * 12 * 1500 / 5000 = 7.2
+        ui->radio_speed_m->setChecked(true);
+        QVERIFY(ui->Mode_loop->isEnabled());
+        ui->Speed_slide->setValue(2);
+        QCOMPARE(shown("suggest Mode_loop"), QString("1 7"));
+        ui->radio_speed_slide->setChecked(true);
+        QVERIFY(!ui->Mode_loop->isEnabled());
+        QCOMPARE(ui->Mode_loop->value(), 1);
+        QTest::mouseDClick(ui->Speed_slide, Qt::LeftButton);
+        QCOMPARE(ui->Speed_slide->value(), 10);
+
+        // A count that is typed selects fixed mode, one that is set does not.
+        ui->Mode_loop->setEnabled(true);
+        ui->Mode_loop->setValue(4);
+        QVERIFY(ui->radio_speed_slide->isChecked());
+        ui->Mode_loop->setFocus();
+        QTRY_VERIFY(ui->Mode_loop->hasFocus());
+        QTest::keyClick(ui->Mode_loop, Qt::Key_Up);
+        QCOMPARE(ui->Mode_loop->value(), 5);
+        QVERIFY(ui->radio_speed_m->isChecked());
+    }
+
+    void addTwiceFollowsOn()
+    {
+        window->on_Add_Button_clicked(); // there is no picture yet
+        QCOMPARE(window->history.index, 0);
+        ui->Mode_Pic->setCurrentIndex(1);
+        window->foreColor = QColor(200, 100, 0);
+        window->on_Mode_Pic_currentChanged(1);
+        ui->Mode_t2->setTime(QTime(0, 0, 1, 500));
+        window->on_Add_Button_clicked();
+        window->on_Addbutton_hovered(true);
+        QCOMPARE(window->currentTimeline->readyBand->geometry(), QRect(150, 0, 150, 55)); // where the next one goes
+        window->on_Add_Button_clicked();
+        QCOMPARE(window->currentTimeline->items.size(), 2);
+        const TimelineItem *item = window->currentTimeline->items.last();
+        QCOMPARE(item->startTime, QTime(0, 0, 1, 500));
+        QCOMPARE(item->endTime, QTime(0, 0, 3));
+        QCOMPARE(item->speedValue, 10);
+        QCOMPARE(item->thumbnail.size(), QSize(85, 85));
+        QCOMPARE(item->thumbnail.toImage().pixelColor(40, 40), QColor(200, 100, 0));
+        QCOMPARE(ui->timeline_headers->indicator->indicatorTime, QTime(0, 0, 3));
+        QVERIFY(ui->NEW_radio->isChecked());
+        QVERIFY(ui->Saved_status->text().endsWith("2"));
+        QCOMPARE(window->history.index, 2);
+        QVERIFY(!ui->Mode_loop->signalsBlocked());
+    }
+
+    // Each pattern is loaded into a panel full of another one's settings, is shown, and written again as it was.
+    void patternsComeBackWhole()
+    {
+        const QString path = env->path("p.png");
+        QVERIFY(QImage(60, 40, QImage::Format_RGB32).save(path));
+        const QStringList fields{"Pic_Slide Pic_revH Pic_revV", "Color_R Color_G Color_B",
+                                 "text_Edit Font_size Text_slide Text_revH Text_revV",
+                                 "Spe_width Spe_revH Spe_revV Spe_rnum Spe_gnum Spe_bnum"};
+        int start = 0;
+        for (const auto &[settings, values] : {std::pair<QString, QString>("0?3?" + path + "?40|1|0", "40 true false"),
+                                               {"0?3?" + path + "?8|0|1", "8 false true"},
+                                               {"2?3?#ff8040|#00005a|AB|1|4?7|0|1", "AB 5 7 false true"},
+                                               {"3?3?#ff0000|#000001|5|1|9?0|1|0", "9 true false 255 0 0"},
+                                               {"1?#ff8040", "255 128 64"},
+                                               {"3?3?#102030|#0000ff|1|2|3?0|0|1", "3 false true 16 32 48"},
+                                               {"2?3?#00ff00|#123456|CD|0|9?5|1|0", "CD 10 5 true false"},
+                                               {"1?#010203", "1 2 3"}}) {
+            const int kind = settings.left(1).toInt();
+            // A colour is in fixed mode, whatever speed it holds.
+            TimelineItem *item = addItem(settings, start, kind == 1 ? 8 : 0);
+            ui->radio_speed_slide->setChecked(true);
+            window->loadItemToEditor(item);
+            QVERIFY(ui->EDIT_radio->isChecked());
+            QCOMPARE(ui->Add_Button->text(), QString("確認編輯"));
+            QCOMPARE(ui->Mode_Pic->currentIndex(), kind);
+            QCOMPARE(shown(fields.at(kind)), values);
+            QCOMPARE(ui->Mode_t1->time(), glow::timeOf(start));
+            QCOMPARE(ui->Mode_t2->time(), glow::timeOf(start + 2000));
+            QVERIFY(ui->radio_speed_m->isChecked());
+            QCOMPARE(ui->Mode_loop->value(), 3);
+
+            window->on_Add_Button_clicked();
+            QCOMPARE(item->settingsText, settings);
+            QCOMPARE(item->patternKind, kind);
+            QCOMPARE(item->repeatCount, 3);
+            QCOMPARE(item->speedValue, 0);
+            QCOMPARE(item->thumbnail.height(), 85);
+            QCOMPARE(item->solidColor, kind == 1 ? QColor(settings.mid(2)) : QColor());
+            start += 2000;
+        }
+        QCOMPARE(window->currentTimeline->items.size(), 8);
+
+        ui->Mode_Pic->setCurrentIndex(1);
+        QVERIFY(QFile::remove(path) && ui->Add_Button->isEnabled());
+        ui->Mode_Pic->setCurrentIndex(0);
+        QVERIFY(!ui->Add_Button->isEnabled()); // its file is gone
+    }
+
+    void editingKeepsToTheItem()
+    {
+        TimelineItem *first = addItem("1?#ff0000", 1000);
+        const TimelineItem *second = addItem("1?#ff0000", 5000);
+        window->loadItemToEditor(first);
+        window->on_Addbutton_hovered(true);
+        QVERIFY(window->currentTimeline->readyBand->isHidden());
+        ui->Mode_t2->setTime(QTime(0, 0, 5, 500));
+        QCOMPARE(first->endTime, QTime(0, 0, 3)); // nothing changes until the button is pressed
+        window->on_Add_Button_clicked();
+        QCOMPARE(first->endTime, QTime(0, 0, 5, 500));
+        QCOMPARE(second->startTime, QTime(0, 0, 5, 500));
+        ui->NEW_radio->setChecked(true);
+        QCOMPARE(first->selected, quint8(0));
+        QVERIFY(window->currentItem == nullptr);
+        QCOMPARE(ui->Mode_t1->time(), ui->timeline_headers->indicator->indicatorTime);
+    }
+
+    void foreignSettings()
+    {
+        DialogDriver driver;
+        driver.answerBox(QMessageBox::Ok);
+        window->loadItemToEditor(addItem("0?1?a.png"));
+        QVERIFY(driver.done());
+        QCOMPARE(driver.boxes().first().title, QString("無法讀取"));
+        QCOMPARE(driver.boxes().first().text, QString("儲存格式過舊，請使用舊版軟體(v2.9↓)進行轉檔"));
+        QCOMPARE(window->currentTimeline->items.size(), 1);
+
+        // A kind that does not exist changes no tab, a mode that does not exist no mode.
+        ui->Mode_Pic->setCurrentIndex(2);
+        window->loadItemToEditor(addItem("9?1?#ffffff|x?1|1|1"));
+        QCOMPARE(ui->Mode_Pic->currentIndex(), 2);
+        ui->Spe_color3->setCheckState(Qt::PartiallyChecked);
+        window->loadItemToEditor(addItem("3?2?#ff0000|#000000|5|7|10?0|1|0", 0, 8));
+        QCOMPARE(ui->Spe_color3->checkState(), Qt::PartiallyChecked);
+        QVERIFY(ui->radio_speed_slide->isChecked());
+        QCOMPARE(shown("Spe_width Speed_slide"), QString("10 8"));
+    }
 
 private:
-    TimelineItem *addItem(const QString &settings, int startMs = 0, int speed = 0);
-    QString shown(const QString &names) const;
-};
-
-TimelineItem *TestEditor::addItem(const QString &settings, int startMs, int speed)
-{
-    glow::PatternRecord record;
-    record.repeatCount = 3;
-    record.speedValue = speed;
-    record.startTime = glow::timeOf(startMs);
-    record.endTime = glow::timeOf(startMs + 2000);
-    record.settingsText = settings;
-    return add(glow::writePattern(record));
-}
-
-// What the named widgets show to the user.
-QString TestEditor::shown(const QString &names) const
-{
-    QStringList texts;
-    for (const QString &name : names.split(' ')) {
-        const auto *widget = window->findChild<QWidget *>(name);
-        texts << widget->metaObject()->userProperty().read(widget).toString();
-    }
-    return texts.join(' ');
-}
-
-void TestEditor::timeFieldsKeepInStep()
-{
-    struct Step
+    TimelineItem *addItem(const QString &settings, int startMs = 0, int speed = 0)
     {
-        char field; // the one that is set: start, end or length
-        int ms;
-        int start, length, end; // what all three hold then
-    };
-    for (const Step &step : {Step{'s', 62003, 62003, 5000, 67003},
-                             {'e', 64253, 62003, 2250, 64253},
-                             {'s', 10000, 10000, 2250, 12250},
-                             {'e', 4000, 10000, 100, 10100},  // an end before the start
-                             {'e', 3000, 10000, 100, 10100},  // once more, the length being the least already
-                             {'e', 10040, 10000, 100, 10100}, // too short a length
-                             {'l', 1001, 10000, 1001, 11001}, // 1.001 * 1000 is rounded, being just below 1001,
-                             {'s', 0, 0, 1000, 1000},         // and cut when the start moves
-                             {'e', 1500000, 0, 1000000, 1000000}}) {
-        if (step.field == 'l') {
-            ui->Mode_last->setValue(step.ms / 1000.0);
-        } else {
-            (step.field == 's' ? ui->Mode_t1 : ui->Mode_t2)->setTime(glow::timeOf(step.ms));
+        glow::PatternRecord record;
+        record.repeatCount = 3;
+        record.speedValue = speed;
+        record.startTime = glow::timeOf(startMs);
+        record.endTime = glow::timeOf(startMs + 2000);
+        record.settingsText = settings;
+        return add(glow::writePattern(record));
+    }
+
+    // What the named widgets show to the user.
+    QString shown(const QString &names) const
+    {
+        QStringList texts;
+        for (const QString &name : names.split(' ')) {
+            const auto *widget = window->findChild<QWidget *>(name);
+            texts << widget->metaObject()->userProperty().read(widget).toString();
         }
-        QCOMPARE(glow::msOf(ui->Mode_t1->time()), step.start);
-        QCOMPARE(qRound(ui->Mode_last->value() * 1000), step.length);
-        QCOMPARE(glow::msOf(ui->Mode_t2->time()), step.end);
+        return texts.join(' ');
     }
-}
-
-void TestEditor::countFollowsSpeedOrTyping()
-{
-    window->patternWidth = 500;
-    ui->Speed_slide->setValue(12);
-    ui->Mode_last->setValue(2.0);
-    QCOMPARE(shown("suggest Mode_loop"), QString("7 7")); // 2 * 12 * 1500 / 5000 = 7.2
-    ui->radio_speed_m->setChecked(true);
-    QVERIFY(ui->Mode_loop->isEnabled());
-    ui->Speed_slide->setValue(2);
-    QCOMPARE(shown("suggest Mode_loop"), QString("1 7"));
-    ui->radio_speed_slide->setChecked(true);
-    QVERIFY(!ui->Mode_loop->isEnabled());
-    QCOMPARE(ui->Mode_loop->value(), 1);
-    QTest::mouseDClick(ui->Speed_slide, Qt::LeftButton);
-    QCOMPARE(ui->Speed_slide->value(), 10);
-
-    // A count that is typed selects fixed mode, one that is set does not.
-    ui->Mode_loop->setEnabled(true);
-    ui->Mode_loop->setValue(4);
-    QVERIFY(ui->radio_speed_slide->isChecked());
-    ui->Mode_loop->setFocus();
-    QTRY_VERIFY(ui->Mode_loop->hasFocus());
-    QTest::keyClick(ui->Mode_loop, Qt::Key_Up);
-    QCOMPARE(ui->Mode_loop->value(), 5);
-    QVERIFY(ui->radio_speed_m->isChecked());
-}
-
-void TestEditor::addTwiceFollowsOn()
-{
-    window->on_Add_Button_clicked(); // there is no picture yet
-    QCOMPARE(window->history.index, 0);
-    ui->Mode_Pic->setCurrentIndex(1);
-    window->foreColor = QColor(200, 100, 0);
-    window->on_Mode_Pic_currentChanged(1);
-    ui->Mode_t2->setTime(QTime(0, 0, 1, 500));
-    window->on_Add_Button_clicked();
-    window->on_Addbutton_hovered(true);
-    QCOMPARE(window->currentTimeline->readyBand->geometry(), QRect(150, 0, 150, 55)); // where the next one goes
-    window->on_Add_Button_clicked();
-    QCOMPARE(window->currentTimeline->items.size(), 2);
-    const TimelineItem *item = window->currentTimeline->items.last();
-    QCOMPARE(item->startTime, QTime(0, 0, 1, 500));
-    QCOMPARE(item->endTime, QTime(0, 0, 3));
-    QCOMPARE(item->speedValue, 10);
-    QCOMPARE(item->thumbnail.size(), QSize(85, 85));
-    QCOMPARE(item->thumbnail.toImage().pixelColor(40, 40), QColor(200, 100, 0));
-    QCOMPARE(ui->timeline_headers->indicator->indicatorTime, QTime(0, 0, 3));
-    QVERIFY(ui->NEW_radio->isChecked());
-    QVERIFY(ui->Saved_status->text().endsWith("2"));
-    QCOMPARE(window->history.index, 2);
-    QVERIFY(!ui->Mode_loop->signalsBlocked());
-}
-
-// Each pattern is loaded into a panel full of another one's settings, is shown, and written again as it was.
-void TestEditor::patternsComeBackWhole()
-{
-    const QString path = env->path("p.png");
-    QVERIFY(QImage(60, 40, QImage::Format_RGB32).save(path));
-    const QStringList fields{"Pic_Slide Pic_revH Pic_revV", "Color_R Color_G Color_B",
-                             "text_Edit Font_size Text_slide Text_revH Text_revV",
-                             "Spe_width Spe_revH Spe_revV Spe_rnum Spe_gnum Spe_bnum"};
-    int start = 0;
-    for (const auto &[settings, values] : {std::pair<QString, QString>("0?3?" + path + "?40|1|0", "40 true false"),
-                                           {"0?3?" + path + "?8|0|1", "8 false true"},
-                                           {"2?3?#ff8040|#00005a|AB|1|4?7|0|1", "AB 5 7 false true"},
-                                           {"3?3?#ff0000|#000001|5|1|9?0|1|0", "9 true false 255 0 0"},
-                                           {"1?#ff8040", "255 128 64"},
-                                           {"3?3?#102030|#0000ff|1|2|3?0|0|1", "3 false true 16 32 48"},
-                                           {"2?3?#00ff00|#123456|CD|0|9?5|1|0", "CD 10 5 true false"},
-                                           {"1?#010203", "1 2 3"}}) {
-        const int kind = settings.left(1).toInt();
-        // A colour is in fixed mode, whatever speed it holds.
-        TimelineItem *item = addItem(settings, start, kind == 1 ? 8 : 0);
-        ui->radio_speed_slide->setChecked(true);
-        window->loadItemToEditor(item);
-        QVERIFY(ui->EDIT_radio->isChecked());
-        QCOMPARE(ui->Add_Button->text(), QString("確認編輯"));
-        QCOMPARE(ui->Mode_Pic->currentIndex(), kind);
-        QCOMPARE(shown(fields.at(kind)), values);
-        QCOMPARE(ui->Mode_t1->time(), glow::timeOf(start));
-        QCOMPARE(ui->Mode_t2->time(), glow::timeOf(start + 2000));
-        QVERIFY(ui->radio_speed_m->isChecked());
-        QCOMPARE(ui->Mode_loop->value(), 3);
-
-        window->on_Add_Button_clicked();
-        QCOMPARE(item->settingsText, settings);
-        QCOMPARE(item->patternKind, kind);
-        QCOMPARE(item->repeatCount, 3);
-        QCOMPARE(item->speedValue, 0);
-        QCOMPARE(item->thumbnail.height(), 85);
-        QCOMPARE(item->solidColor, kind == 1 ? QColor(settings.mid(2)) : QColor());
-        start += 2000;
-    }
-    QCOMPARE(window->currentTimeline->items.size(), 8);
-
-    ui->Mode_Pic->setCurrentIndex(1);
-    QVERIFY(QFile::remove(path) && ui->Add_Button->isEnabled());
-    ui->Mode_Pic->setCurrentIndex(0);
-    QVERIFY(!ui->Add_Button->isEnabled()); // its file is gone
-}
-
-void TestEditor::editingKeepsToTheItem()
-{
-    TimelineItem *first = addItem("1?#ff0000", 1000);
-    const TimelineItem *second = addItem("1?#ff0000", 5000);
-    window->loadItemToEditor(first);
-    window->on_Addbutton_hovered(true);
-    QVERIFY(window->currentTimeline->readyBand->isHidden());
-    ui->Mode_t2->setTime(QTime(0, 0, 5, 500));
-    QCOMPARE(first->endTime, QTime(0, 0, 3)); // nothing changes until the button is pressed
-    window->on_Add_Button_clicked();
-    QCOMPARE(first->endTime, QTime(0, 0, 5, 500));
-    QCOMPARE(second->startTime, QTime(0, 0, 5, 500));
-    ui->NEW_radio->setChecked(true);
-    QCOMPARE(first->selected, quint8(0));
-    QVERIFY(window->currentItem == nullptr);
-    QCOMPARE(ui->Mode_t1->time(), ui->timeline_headers->indicator->indicatorTime);
-}
-
-void TestEditor::foreignSettings()
-{
-    DialogDriver driver;
-    driver.answerBox(QMessageBox::Ok);
-    window->loadItemToEditor(addItem("0?1?a.png"));
-    QVERIFY(driver.done());
-    QCOMPARE(driver.boxes().first().title, QString("無法讀取"));
-    QCOMPARE(driver.boxes().first().text, QString("儲存格式過舊，請使用舊版軟體(v2.9↓)進行轉檔"));
-    QCOMPARE(window->currentTimeline->items.size(), 1);
-
-    // A kind that does not exist changes no tab, a mode that does not exist no mode.
-    ui->Mode_Pic->setCurrentIndex(2);
-    window->loadItemToEditor(addItem("9?1?#ffffff|x?1|1|1"));
-    QCOMPARE(ui->Mode_Pic->currentIndex(), 2);
-    ui->Spe_color3->setCheckState(Qt::PartiallyChecked);
-    window->loadItemToEditor(addItem("3?2?#ff0000|#000000|5|7|10?0|1|0", 0, 8));
-    QCOMPARE(ui->Spe_color3->checkState(), Qt::PartiallyChecked);
-    QVERIFY(ui->radio_speed_slide->isChecked());
-    QCOMPARE(shown("Spe_width Speed_slide"), QString("10 8"));
-}
+};
 
 QTEST_MAIN(TestEditor)
 #include "test_editor.moc"

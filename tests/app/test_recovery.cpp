@@ -15,13 +15,134 @@ class TestRecovery : public WindowTest
     Q_OBJECT
 
 private slots:
-    void init();
-    void formRefusesAnythingButAWholeFile();
-    void livingProgramsAreLeftAlone();
-    void changeIsKeptAndSavingRemovesIt();
-    void leftoverComesBackAsItWas_data();
-    void leftoverComesBackAsItWas();
-    void closingDecides();
+    void init()
+    {
+        WindowTest::init();
+        keepIn(std::make_unique<glow::RecoveryStore>(folder()));
+        window->currentFile = env->path("mine.gsw3");
+        window->hasFile = true;
+    }
+
+    void formRefusesAnythingButAWholeFile()
+    {
+        const glow::UnsavedShow show{"project bytes", "/a/b.gsw3", true};
+        const QByteArray bytes = glow::writeUnsaved(show);
+        glow::UnsavedShow back;
+        QVERIFY(glow::readUnsaved(bytes, back));
+        QVERIFY(back.project == show.project && back.file == show.file && back.hasFile);
+        for (int i = 0; i < bytes.size(); ++i) {
+            QVERIFY(!glow::readUnsaved(bytes.left(i), back));
+            QByteArray wrong = bytes;
+            wrong[i] = char(wrong.at(i) ^ 0x55);
+            // File and flag are not under the sum; nothing else gets by.
+            QVERIFY(!glow::readUnsaved(wrong, back) || back.project == show.project);
+        }
+    }
+
+    void livingProgramsAreLeftAlone()
+    {
+        addColour();
+        QCOMPARE(kept(), 1);
+        const QString scrap = folder() + "/unsaved-1.show.a1B2c3"; // of a program that went down while it wrote
+        QVERIFY(put(scrap));
+        glow::RecoveryStore second(folder());
+        QVERIFY(!QFile::exists(scrap));
+        glow::UnsavedShow show;
+        QVERIFY(!second.findLeftover(show));
+        QCOMPARE(second.path(), folder() + "/unsaved-1.show");
+        QCOMPARE(keptFiles(), 1);
+    }
+
+    void changeIsKeptAndSavingRemovesIt()
+    {
+        QCOMPARE(kept(), 0); // nothing changed yet
+        addColour();
+        QVERIFY(window->recovery->hasUnsaved());
+        QCOMPARE(kept(), 1);
+        window->on_actionSave_triggered();
+        QCOMPARE(keptFiles(), 0);
+        QVERIFY(!window->recovery->hasUnsaved());
+        QCOMPARE(kept(), 0);
+        // The item's own menu takes no snapshot; its change is kept all the same.
+        window->currentTimeline->items.first()->on_itemDelete_clicked();
+        QCOMPARE(kept(), 1);
+    }
+
+    void leftoverComesBackAsItWas_data()
+    {
+        QTest::addColumn<bool>("empty");
+        QTest::addColumn<bool>("fullDisk");
+        QTest::newRow("a show") << false << false;
+        QTest::newRow("a show that was emptied") << true << false;
+#ifdef Q_OS_UNIX
+        QTest::newRow("on a full disk") << false << true;
+#endif
+    }
+
+    void leftoverComesBackAsItWas()
+    {
+        QFETCH(const bool, empty);
+        QFETCH(const bool, fullDisk);
+        addColour();
+        QVERIFY(put(window->currentFile, "the user's own"));
+        if (empty) {
+            window->recovery->showIsSafe();
+            window->currentTimeline->items.first()->on_itemDelete_clicked();
+        } else {
+            window->on_timeline_add_clicked();
+            addColour();
+        }
+        const glow::Project before = window->asProject();
+        QCOMPARE(kept(), 1);
+        // What remains of a run that was killed: the file without its program.
+        const QString file = folder() + "/unsaved-0.show";
+        const QByteArray survivor = contentOf(file);
+        window.reset();
+        QVERIFY(put(file, survivor));
+
+        auto store = std::make_unique<glow::RecoveryStore>(folder());
+        glow::UnsavedShow show;
+        QVERIFY(store->findLeftover(show));
+        window.reset(new MainWindow);
+        keepIn(std::move(store));
+        {
+#ifdef Q_OS_UNIX
+            const SmallDisk disk(fullDisk ? 100 : RLIM_INFINITY);
+#endif
+            window->recovery->restore(show);
+        }
+        QCOMPARE(window->asProject().tracks, before.tracks);
+        QCOMPARE(window->currentFile, env->path("mine.gsw3"));
+        QVERIFY(window->hasFile);
+        QCOMPARE(window->windowTitle(), QString("Glowsmith - mine.gsw3 *"));
+        QVERIFY(window->recovery->hasUnsaved());
+        QCOMPARE(keptFiles(), 1); // this run's own copy, or still the earlier one
+        QCOMPARE(QFile::exists(file), fullDisk);
+        QCOMPARE(contentOf(window->currentFile), QByteArray("the user's own"));
+        window->on_actionSave_triggered();
+        QCOMPARE(keptFiles(), 0);
+    }
+
+    void closingDecides()
+    {
+        for (const bool save : {true, false}) {
+            addColour();
+            window->hasFile = false;
+            window->show();
+            DialogDriver driver;
+            driver.answerBox(save ? QMessageBox::Save : QMessageBox::No);
+            if (save) {
+                driver.answerFile(
+                    {}); // no name given: the show is not saved, and what nobody has looked at yet is kept
+            }
+            QVERIFY(window->close());
+            QVERIFY(driver.done());
+            window->recovery->waitForWriting();
+            QCOMPARE(keptFiles(), save ? 1 : 0);
+            window->recovery->discard();
+            keepIn(std::make_unique<glow::RecoveryStore>(folder()));
+        }
+    }
 
 private:
     void keepIn(std::unique_ptr<glow::RecoveryStore> store)
@@ -34,145 +155,23 @@ private:
         window->ui->Mode_Pic->setCurrentIndex(1);
         window->on_Add_Button_clicked();
     }
-    int keptFiles() const { return QDir(folder()).entryList({"*.show"}, QDir::Files).size(); }
-    // Has the window looked at now, and tells how many shows lie in the folder then.
-    int kept();
-    QString folder() const { return env->path("data"); }
-};
-
-void TestRecovery::init()
-{
-    WindowTest::init();
-    keepIn(std::make_unique<glow::RecoveryStore>(folder()));
-    window->currentFile = env->path("mine.gsw3");
-    window->hasFile = true;
-}
-
-int TestRecovery::kept()
-{
-    window->recovery->keep();
-    window->recovery->waitForWriting();
-    return keptFiles();
-}
-
-void TestRecovery::formRefusesAnythingButAWholeFile()
-{
-    const glow::UnsavedShow show{"project bytes", "/a/b.gsw3", true};
-    const QByteArray bytes = glow::writeUnsaved(show);
-    glow::UnsavedShow back;
-    QVERIFY(glow::readUnsaved(bytes, back));
-    QVERIFY(back.project == show.project && back.file == show.file && back.hasFile);
-    for (int i = 0; i < bytes.size(); ++i) {
-        QVERIFY(!glow::readUnsaved(bytes.left(i), back));
-        QByteArray wrong = bytes;
-        wrong[i] = char(wrong.at(i) ^ 0x55);
-        // File and flag are not under the sum; nothing else gets by.
-        QVERIFY(!glow::readUnsaved(wrong, back) || back.project == show.project);
-    }
-}
-
-void TestRecovery::livingProgramsAreLeftAlone()
-{
-    addColour();
-    QCOMPARE(kept(), 1);
-    const QString scrap = folder() + "/unsaved-1.show.a1B2c3"; // of a program that went down while it wrote
-    QVERIFY(put(scrap));
-    glow::RecoveryStore second(folder());
-    QVERIFY(!QFile::exists(scrap));
-    glow::UnsavedShow show;
-    QVERIFY(!second.findLeftover(show));
-    QCOMPARE(second.path(), folder() + "/unsaved-1.show");
-    QCOMPARE(keptFiles(), 1);
-}
-
-void TestRecovery::changeIsKeptAndSavingRemovesIt()
-{
-    QCOMPARE(kept(), 0); // nothing changed yet
-    addColour();
-    QVERIFY(window->recovery->hasUnsaved());
-    QCOMPARE(kept(), 1);
-    window->on_actionSave_triggered();
-    QCOMPARE(keptFiles(), 0);
-    QVERIFY(!window->recovery->hasUnsaved());
-    QCOMPARE(kept(), 0);
-    // The item's own menu takes no snapshot; its change is kept all the same.
-    window->currentTimeline->items.first()->on_itemDelete_clicked();
-    QCOMPARE(kept(), 1);
-}
-
-void TestRecovery::leftoverComesBackAsItWas_data()
-{
-    QTest::addColumn<bool>("empty");
-    QTest::addColumn<bool>("fullDisk");
-    QTest::newRow("a show") << false << false;
-    QTest::newRow("a show that was emptied") << true << false;
-#ifdef Q_OS_UNIX
-    QTest::newRow("on a full disk") << false << true;
-#endif
-}
-
-void TestRecovery::leftoverComesBackAsItWas()
-{
-    QFETCH(const bool, empty);
-    QFETCH(const bool, fullDisk);
-    addColour();
-    QVERIFY(put(window->currentFile, "the user's own"));
-    if (empty) {
-        window->recovery->showIsSafe();
-        window->currentTimeline->items.first()->on_itemDelete_clicked();
-    } else {
-        window->on_timeline_add_clicked();
-        addColour();
-    }
-    const glow::Project before = window->asProject();
-    QCOMPARE(kept(), 1);
-    // What remains of a run that was killed: the file without its program.
-    const QString file = folder() + "/unsaved-0.show";
-    const QByteArray survivor = contentOf(file);
-    window.reset();
-    QVERIFY(put(file, survivor));
-
-    auto store = std::make_unique<glow::RecoveryStore>(folder());
-    glow::UnsavedShow show;
-    QVERIFY(store->findLeftover(show));
-    window.reset(new MainWindow);
-    keepIn(std::move(store));
+    int keptFiles() const
     {
-#ifdef Q_OS_UNIX
-        const SmallDisk disk(fullDisk ? 100 : RLIM_INFINITY);
-#endif
-        window->recovery->restore(show);
+        return QDir(folder()).entryList({"*.show"}, QDir::Files).size();
     }
-    QCOMPARE(window->asProject().tracks, before.tracks);
-    QCOMPARE(window->currentFile, env->path("mine.gsw3"));
-    QVERIFY(window->hasFile);
-    QCOMPARE(window->windowTitle(), QString("Glowsmith - mine.gsw3 *"));
-    QVERIFY(window->recovery->hasUnsaved());
-    QCOMPARE(keptFiles(), 1); // this run's own copy, or still the earlier one
-    QCOMPARE(QFile::exists(file), fullDisk);
-    QCOMPARE(contentOf(window->currentFile), QByteArray("the user's own"));
-    window->on_actionSave_triggered();
-    QCOMPARE(keptFiles(), 0);
-}
-
-void TestRecovery::closingDecides()
-{
-    for (const bool save : {true, false}) {
-        addColour();
-        window->hasFile = false;
-        window->show();
-        DialogDriver driver;
-        driver.answerBox(save ? QMessageBox::Save : QMessageBox::No);
-        if (save) {
-            driver.answerFile({}); // no name given: the show is not saved, and what nobody has looked at yet is kept
-        }
-        QVERIFY(window->close());
-        QVERIFY(driver.done());
+    // Has the window looked at now, and tells how many shows lie in the folder then.
+    int kept()
+    {
+        window->recovery->keep();
         window->recovery->waitForWriting();
-        QCOMPARE(keptFiles(), save ? 1 : 0);
-        window->recovery->discard();
+        return keptFiles();
     }
-}
+
+    QString folder() const
+    {
+        return env->path("data");
+    }
+};
 
 QTEST_MAIN(TestRecovery)
 #include "test_recovery.moc"
