@@ -78,13 +78,121 @@ class TestHistory : public WindowTest
     Q_OBJECT
 
 private slots:
-    void deletionsAreSeenWithTheNextChange();
-    void hundredStepsAreKept();
-    void forgottenPatternsAreDestroyed();
-    void modelAgrees();
+    void deletionsAreSeenWithTheNextChange()
+    {
+        TimelineItem *a = add(0, 1000);
+        TimelineItem *b = add(2000, 3000);
+        const Timeline *track = window->currentTimeline;
+        QTest::keyClick(window.data(), Qt::Key_Delete); // no pattern is in the panel
+        QCOMPARE(track->items.size(), 2);
+        remove(b);
+        QCOMPARE(ui->Saved_status->text(), QString("圖樣數：1"));
+        QCOMPARE(window->history.index, 2); // taking away is no change by itself
+        undo();
+        QCOMPARE(track->items, QList<TimelineItem *>{a});
+        redo();
+        QVERIFY(track->items.contains(b) && !b->isHidden());
+
+        // Deleting the first and going back brings it back, and takes the second.
+        remove(a);
+        undo();
+        QCOMPARE(track->items, QList<TimelineItem *>{a});
+        QSignalSpy clicks(track, &Timeline::itemClicked);
+        emit a->itemClicked(a, false);
+        QCOMPARE(clicks.size(), 1); // for all its goings it is connected once
+    }
+
+    void hundredStepsAreKept()
+    {
+        for (int i = 0; i < 105; ++i) {
+            add(i * 1000, i * 1000 + 500);
+        }
+        QCOMPARE(window->history.index, 100);
+        QCOMPARE(window->history.snapshots.size(), 101);
+        for (int i = 0; i < 101; ++i) { // one more than there are
+            undo();
+        }
+        QCOMPARE(window->history.index, 0);
+        QCOMPARE(window->currentTimeline->items.size(), 5);
+        add(200000, 200500);
+        QCOMPARE(window->history.snapshots.size(), 2);
+    }
+
+    void forgottenPatternsAreDestroyed()
+    {
+        const auto destroyed = [](const QPointer<TimelineItem> &item) {
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            return item.isNull();
+        };
+        const QPointer<TimelineItem> removed = add(0, 1000);
+        const QPointer<TimelineItem> edited = add(2000, 3000);
+        TimelineItem *placed = add(4000, 5000);
+        window->on_timelineItem_Clicked(edited, false);
+        removed->on_itemDelete_clicked();
+        edited->on_itemDelete_clicked();
+        add(6000, 7000);
+        QVERIFY(!destroyed(removed)); // undo brings it back
+
+        window->on_timelineItem_Clicked(edited, false);
+        window->history.clear();
+        window->updateStatus();
+        QVERIFY(destroyed(removed));
+        QVERIFY(!destroyed(edited)); // the panel still edits it
+        window->on_timelineItem_Clicked(placed, false);
+        window->history.clear();
+        QVERIFY(destroyed(edited));
+        QVERIFY(window->currentTimeline->items.contains(placed));
+    }
+
+    void modelAgrees()
+    {
+        QRandomGenerator random(4711);
+        for (int sequence = 0; sequence < 300; ++sequence) {
+            window->resetDocument();
+            window->updateStatus();
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            Model model;
+            model.offer(written(*window));
+            QStringList done;
+            QString wrong;
+            const auto step = [&](bool back) {
+                if (wrong.isEmpty()) {
+                    done << (back ? "undo" : "redo");
+                    const Show expected = model.step(back, written(*window));
+                    back ? undo() : redo();
+                    wrong = disagreement(model, expected);
+                }
+            };
+            for (int round = 0; round < 8 && wrong.isEmpty(); ++round) {
+                done << QString();
+                if (act(random, done.last())) {
+                    model.offer(written(*window));
+                }
+                wrong = disagreement(model, written(*window));
+                const int steps = random.bounded(1, 3);
+                for (int i = 0; i < 2 * steps; ++i) {
+                    step(i < steps);
+                }
+                if (random.bounded(4) == 0) {
+                    step(true);
+                }
+            }
+            QVERIFY2(wrong.isEmpty(),
+                     qPrintable(QString("%1 in sequence %2: %3").arg(wrong).arg(sequence).arg(done.join(", "))));
+        }
+    }
 
 private:
-    TimelineItem *add(int startMs, int endMs);
+    TimelineItem *add(int startMs, int endMs)
+    {
+        ui->NEW_radio->setChecked(true);
+        ui->Mode_Pic->setCurrentIndex(1);
+        ui->Mode_t1->setTime(glow::timeOf(startMs));
+        ui->Mode_t2->setTime(glow::timeOf(endMs));
+        window->on_Add_Button_clicked();
+        return window->currentTimeline->items.last();
+    }
+
     void remove(TimelineItem *item)
     {
         window->on_timelineItem_Clicked(item, false);
@@ -92,208 +200,90 @@ private:
     }
     void undo() { window->on_actionUndo_triggered(); }
     void redo() { window->on_actionRedo_triggered(); }
-    void moveTo(TimelineItem *item, Timeline *target, int startMs);
-    bool act(QRandomGenerator &random, QString &name);
-    QString disagreement(const Model &model, const Show &expected) const;
-};
-
-TimelineItem *TestHistory::add(int startMs, int endMs)
-{
-    ui->NEW_radio->setChecked(true);
-    ui->Mode_Pic->setCurrentIndex(1);
-    ui->Mode_t1->setTime(glow::timeOf(startMs));
-    ui->Mode_t2->setTime(glow::timeOf(endMs));
-    window->on_Add_Button_clicked();
-    return window->currentTimeline->items.last();
-}
-
-// The effect of dragging a pattern's body onto another track, without the mouse.
-void TestHistory::moveTo(TimelineItem *item, Timeline *target, int startMs)
-{
-    Timeline *source = window->currentTimeline;
-    const QByteArray orig = item->itemData;
-    if (target != source) {
-        source->dragItem = item;
-        emit target->dragIn(target);
-        emit target->timelinePressed(target, false);
-    }
-    const int length = glow::durationMs(*item);
-    item->setTimes(glow::timeOf(startMs), glow::timeOf(startMs + length));
-    emit item->dragEnd(orig, item, source);
-}
-
-void TestHistory::deletionsAreSeenWithTheNextChange()
-{
-    TimelineItem *a = add(0, 1000);
-    TimelineItem *b = add(2000, 3000);
-    const Timeline *track = window->currentTimeline;
-    QTest::keyClick(window.data(), Qt::Key_Delete); // no pattern is in the panel
-    QCOMPARE(track->items.size(), 2);
-    remove(b);
-    QCOMPARE(ui->Saved_status->text(), QString("圖樣數：1"));
-    QCOMPARE(window->history.index, 2); // taking away is no change by itself
-    undo();
-    QCOMPARE(track->items, QList<TimelineItem *>{a});
-    redo();
-    QVERIFY(track->items.contains(b) && !b->isHidden());
-
-    // Deleting the first and going back brings it back, and takes the second.
-    remove(a);
-    undo();
-    QCOMPARE(track->items, QList<TimelineItem *>{a});
-    QSignalSpy clicks(track, &Timeline::itemClicked);
-    emit a->itemClicked(a, false);
-    QCOMPARE(clicks.size(), 1); // for all its goings it is connected once
-}
-
-void TestHistory::hundredStepsAreKept()
-{
-    for (int i = 0; i < 105; ++i) {
-        add(i * 1000, i * 1000 + 500);
-    }
-    QCOMPARE(window->history.index, 100);
-    QCOMPARE(window->history.snapshots.size(), 101);
-    for (int i = 0; i < 101; ++i) { // one more than there are
-        undo();
-    }
-    QCOMPARE(window->history.index, 0);
-    QCOMPARE(window->currentTimeline->items.size(), 5);
-    add(200000, 200500);
-    QCOMPARE(window->history.snapshots.size(), 2);
-}
-
-void TestHistory::forgottenPatternsAreDestroyed()
-{
-    const auto destroyed = [](const QPointer<TimelineItem> &item) {
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        return item.isNull();
-    };
-    const QPointer<TimelineItem> removed = add(0, 1000);
-    const QPointer<TimelineItem> edited = add(2000, 3000);
-    TimelineItem *placed = add(4000, 5000);
-    window->on_timelineItem_Clicked(edited, false);
-    removed->on_itemDelete_clicked();
-    edited->on_itemDelete_clicked();
-    add(6000, 7000);
-    QVERIFY(!destroyed(removed)); // undo brings it back
-
-    window->on_timelineItem_Clicked(edited, false);
-    window->history.clear();
-    window->updateStatus();
-    QVERIFY(destroyed(removed));
-    QVERIFY(!destroyed(edited)); // the panel still edits it
-    window->on_timelineItem_Clicked(placed, false);
-    window->history.clear();
-    QVERIFY(destroyed(edited));
-    QVERIFY(window->currentTimeline->items.contains(placed));
-}
-
-// One random action; true if the show is offered to the history at its end.
-bool TestHistory::act(QRandomGenerator &random, QString &name)
-{
-    const int start = random.bounded(400) * 50;
-    const int length = 100 + random.bounded(60) * 50;
-    const int action = random.bounded(11);
-    Timeline *target = window->timelines.at(random.bounded(window->timelines.size()));
-    name = QString("action %1 at %2 for %3").arg(action).arg(start).arg(length);
-    if (action < 3) {
-        add(start, start + length);
-        return true;
-    }
-    if (action == 3 && window->timelines.size() < 5) {
-        window->on_timeline_add_clicked();
-        return false;
-    }
-    if (action == 4 && window->timelines.size() < 5) {
-        const bool filled = !target->items.isEmpty();
-        window->on_timeline_Pressed(target, false);
-        window->on_tlDuplicated_clicked(target);
-        return filled;
-    }
-    if (action == 5 && window->timelines.size() > 1) {
-        DialogDriver driver;
-        driver.answerBox(QMessageBox::Yes);
-        window->on_timeline_remove_clicked();
-        return false;
-    }
-    // All others need a pattern. A press on it makes its track current before anything else.
-    Timeline *track = window->timelines.at(random.bounded(window->timelines.size()));
-    if (track->items.isEmpty()) {
-        return false;
-    }
-    emit track->timelinePressed(track, false);
-    TimelineItem *item = track->items.at(random.bounded(track->items.size()));
-    switch (action) {
-    case 6:
-        remove(item);
-        return true;
-    case 7:
-        item->on_itemDelete_clicked(); // from its menu; nothing is offered then
-        return false;
-    case 8:
-        item->on_itemCopy_clicked();
-        window->on_timeline_Pressed(target, true);
-        ui->timeline_headers->indicator->setIndicatorTime(glow::timeOf(start), true);
-        window->on_actionPaste_triggered();
-        return true;
-    case 9:
-        window->on_timelineItem_Clicked(item, false);
-        ui->Mode_t2->setTime(item->startTime.addMSecs(length));
-        window->on_Add_Button_clicked();
-        return true;
-    default:
-        moveTo(item, target, start);
-        return true;
-    }
-}
-
-QString TestHistory::disagreement(const Model &model, const Show &expected) const
-{
-    const EditHistory &history = window->history;
-    if (history.index != model.at || history.snapshots.size() != model.kept.size()) {
-        return QString::asprintf("at %d of %d instead of %d of %d", history.index, history.snapshots.size(), model.at,
-                                 model.kept.size());
-    }
-    return written(*window) == expected ? whatIsWrong(*window) : QString("the show differs");
-}
-
-void TestHistory::modelAgrees()
-{
-    QRandomGenerator random(4711);
-    for (int sequence = 0; sequence < 300; ++sequence) {
-        window->resetDocument();
-        window->updateStatus();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        Model model;
-        model.offer(written(*window));
-        QStringList done;
-        QString wrong;
-        const auto step = [&](bool back) {
-            if (wrong.isEmpty()) {
-                done << (back ? "undo" : "redo");
-                const Show expected = model.step(back, written(*window));
-                back ? undo() : redo();
-                wrong = disagreement(model, expected);
-            }
-        };
-        for (int round = 0; round < 8 && wrong.isEmpty(); ++round) {
-            done << QString();
-            if (act(random, done.last())) {
-                model.offer(written(*window));
-            }
-            wrong = disagreement(model, written(*window));
-            const int steps = random.bounded(1, 3);
-            for (int i = 0; i < 2 * steps; ++i) {
-                step(i < steps);
-            }
-            if (random.bounded(4) == 0) {
-                step(true);
-            }
+    // The effect of dragging a pattern's body onto another track, without the mouse.
+    void moveTo(TimelineItem *item, Timeline *target, int startMs)
+    {
+        Timeline *source = window->currentTimeline;
+        const QByteArray orig = item->itemData;
+        if (target != source) {
+            source->dragItem = item;
+            emit target->dragIn(target);
+            emit target->timelinePressed(target, false);
         }
-        QVERIFY2(wrong.isEmpty(),
-                 qPrintable(QString("%1 in sequence %2: %3").arg(wrong).arg(sequence).arg(done.join(", "))));
+        const int length = glow::durationMs(*item);
+        item->setTimes(glow::timeOf(startMs), glow::timeOf(startMs + length));
+        emit item->dragEnd(orig, item, source);
     }
-}
+
+    // One random action; true if the show is offered to the history at its end.
+    bool act(QRandomGenerator &random, QString &name)
+    {
+        const int start = random.bounded(400) * 50;
+        const int length = 100 + random.bounded(60) * 50;
+        const int action = random.bounded(11);
+        Timeline *target = window->timelines.at(random.bounded(window->timelines.size()));
+        name = QString("action %1 at %2 for %3").arg(action).arg(start).arg(length);
+        if (action < 3) {
+            add(start, start + length);
+            return true;
+        }
+        if (action == 3 && window->timelines.size() < 5) {
+            window->on_timeline_add_clicked();
+            return false;
+        }
+        if (action == 4 && window->timelines.size() < 5) {
+            const bool filled = !target->items.isEmpty();
+            window->on_timeline_Pressed(target, false);
+            window->on_tlDuplicated_clicked(target);
+            return filled;
+        }
+        if (action == 5 && window->timelines.size() > 1) {
+            DialogDriver driver;
+            driver.answerBox(QMessageBox::Yes);
+            window->on_timeline_remove_clicked();
+            return false;
+        }
+        // All others need a pattern. A press on it makes its track current before anything else.
+        Timeline *track = window->timelines.at(random.bounded(window->timelines.size()));
+        if (track->items.isEmpty()) {
+            return false;
+        }
+        emit track->timelinePressed(track, false);
+        TimelineItem *item = track->items.at(random.bounded(track->items.size()));
+        switch (action) {
+        case 6:
+            remove(item);
+            return true;
+        case 7:
+            item->on_itemDelete_clicked(); // from its menu; nothing is offered then
+            return false;
+        case 8:
+            item->on_itemCopy_clicked();
+            window->on_timeline_Pressed(target, true);
+            ui->timeline_headers->indicator->setIndicatorTime(glow::timeOf(start), true);
+            window->on_actionPaste_triggered();
+            return true;
+        case 9:
+            window->on_timelineItem_Clicked(item, false);
+            ui->Mode_t2->setTime(item->startTime.addMSecs(length));
+            window->on_Add_Button_clicked();
+            return true;
+        default:
+            moveTo(item, target, start);
+            return true;
+        }
+    }
+
+    QString disagreement(const Model &model, const Show &expected) const
+    {
+        const EditHistory &history = window->history;
+        if (history.index != model.at || history.snapshots.size() != model.kept.size()) {
+            return QString::asprintf("at %d of %d instead of %d of %d", history.index, history.snapshots.size(),
+                                     model.at, model.kept.size());
+        }
+        return written(*window) == expected ? whatIsWrong(*window) : QString("the show differs");
+    }
+};
 
 QTEST_MAIN(TestHistory)
 #include "test_history.moc"
