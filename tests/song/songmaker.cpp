@@ -3,7 +3,6 @@
 #include <QDataStream>
 #include <QFile>
 #include <QProcess>
-#include <QStandardPaths>
 
 #include <cmath>
 
@@ -47,16 +46,9 @@ void writeWav(const QString &path, const Song &song)
     writeBytes(path, bytes);
 }
 
-bool haveFfmpeg()
-{
-    return !QStandardPaths::findExecutable(QStringLiteral("ffmpeg")).isEmpty();
-}
-
 bool encode(const QString &from, const QString &to, const QStringList &options)
 {
-    const QStringList before{QStringLiteral("-v"), QStringLiteral("error"), QStringLiteral("-y"), QStringLiteral("-i"),
-                             from};
-    return QProcess::execute(QStringLiteral("ffmpeg"), before + options + QStringList{to}) == 0;
+    return QProcess::execute("ffmpeg", QStringList{"-v", "error", "-y", "-i", from} + options + QStringList{to}) == 0;
 }
 
 void writeBytes(const QString &path, const QByteArray &bytes)

@@ -17,11 +17,8 @@ struct Song
 // milliseconds that peaks exactly at k.
 void writeWav(const QString &path, const Song &song);
 
-// True if there is an ffmpeg to make the other formats with.
-bool haveFfmpeg();
-
-// Encodes a file; the format follows the name.
-bool encode(const QString &from, const QString &to, const QStringList &options = {});
+// Encodes a file by ffmpeg; the format follows the name. False if there is none that makes it.
+bool encode(const QString &from, const QString &to, const QStringList &options);
 
 // A file of any bytes.
 void writeBytes(const QString &path, const QByteArray &bytes);
