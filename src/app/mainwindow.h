@@ -260,7 +260,7 @@ public slots:
     void on_UPload_Button_clicked();
     void on_actionUpload_triggered();
     void mySlot(int arg1, int arg2);
-    void warnex(QString str);
+    void warnex(const QString &str);
     void finishup();
     void terminateup();
 

@@ -50,7 +50,7 @@ void MainWindow::mySlot(int arg1, int arg2)
     update();
 }
 
-void MainWindow::warnex(QString str)
+void MainWindow::warnex(const QString &str)
 {
     ui->GLWidget->setEnabled(true);
     ui->Ex_Button->setEnabled(true);

@@ -9,6 +9,8 @@
 
 void WindowTest::init()
 {
+    window.reset(); // of a test before that failed in its clean-up
+    env.reset();
     env.reset(new TestEnv);
     msPerPixel = 10.0F;
     window.reset(new MainWindow);
