@@ -32,10 +32,11 @@ namespace {
 
 // The back end hands out small buffers of about 30 milliseconds of song and queues no more than four of them. One turn
 // of a busy event loop for each four would make a song last many seconds, so a turn reads for this long, and while it
-// does it waits a little for a decoder that has fallen behind. The rest of a turn is a repaint of the window, which can
+// does it waits a little for a decoder that has fallen behind. Little: a millisecond of patience made a five-minute
+// song half a second slower, and ten made it twice as slow. The rest of a turn is a repaint of the window, which can
 // take as long; the two together stay short for whoever reaches for the cancel button.
 constexpr int readSliceMs = 20;
-constexpr int readPatienceUs = 1000;
+constexpr int readPatienceUs = 300;
 constexpr int readNapUs = 50;
 
 // The show area is never shorter than this after a song was read.
