@@ -141,24 +141,25 @@ void TestUploadButton::cancels()
     const UploadWindow on(250); // some seconds of sending
     SimulatedProp prop;
     QVERIFY(prop.start(on.port(0)));
-    DialogDriver driver;
+    QScopedPointer<DialogDriver> driver(new DialogDriver);
     on.ui->UPload_Button->click();
     WorkerThread *thread = on.window->uploadThread;
     QTRY_VERIFY_WITH_TIMEOUT(on.ui->progressBar->value() > 5, longest);
     QSignalSpy cancelled(on.window.data(), &MainWindow::Upload_Cancel_Clicked);
-    driver.answerBox(QMessageBox::Ok);
+    driver->answerBox(QMessageBox::Ok);
     on.ui->UPload_Button->click();
-    QVERIFY(driver.done());
+    QVERIFY(driver->done());
     QCOMPARE(cancelled.size(), 1);
-    QCOMPARE(driver.boxes().at(0).icon, QMessageBox::Warning);
-    QCOMPARE(driver.boxes().at(0).title, QStringLiteral("已取消上傳"));
-    QCOMPARE(driver.boxes().at(0).text, QStringLiteral("已取消上傳"));
+    QCOMPARE(driver->boxes().at(0).icon, QMessageBox::Warning);
+    QCOMPARE(driver->boxes().at(0).title, QStringLiteral("已取消上傳"));
+    QCOMPARE(driver->boxes().at(0).text, QStringLiteral("已取消上傳"));
     QVERIFY(on.window->uploadThread == nullptr);
     QVERIFY(thread->wait(longest));
     QCOMPARE(on.ui->UPload_Button->text(), rest);
     QVERIFY(!on.ui->GLWidget->isEnabled());
     QVERIFY(prop.sessions().last().open); // still held: it does not open again, another prop is found
 
+    driver.reset(); // or it would answer for the next upload
     SimulatedProp other;
     while (on.window->currentTimeline->items.size() > 2) {
         on.window->currentTimeline->deleteTimelineItem(on.window->currentTimeline->items.last());
