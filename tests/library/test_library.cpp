@@ -64,7 +64,7 @@ void TestLibrary::readsUpdateReplies()
         QString note;
     } rows[] = {{"", "", 0, ""},
                 {"3.104", "3.104", 3.104, ""},
-                {"3.2\r\n新<b>版</b>;;more;;", "3.2\r\n", 3.2, "新<b>版</b>"},
+                {"3.2\r\n新<b>版</b>&amp;好;;more;;", "3.2\r\n", 3.2, "新<b>版</b>&amp;好"},
                 {"4\na\nb", "4\n", 4, "a\nb"},
                 {"\n3.2", "\n", 0, "3.2"},
                 {"<html>\n", "<html>\n", 0, ""}};
