@@ -36,8 +36,9 @@ void placePattern(MainWindow &window, const QByteArray &blob)
     window.currentTimeline->addTimelineItem(item);
 }
 
-// No show has so many tracks; a window with thousands of rows could no longer be used.
-constexpr int mostTracks = 500;
+// No show has so many tracks, but a damaged file can hold one in every four bytes, and the window's cost grows with the
+// square of its rows: this many take some seconds.
+constexpr int mostTracks = 1000;
 
 // A blob too short for a pattern stands as a pattern without picture and length. A damaged file can hold one in every
 // four bytes, all in one place, where the next sort keeps a single one: this many are shown.
@@ -182,9 +183,9 @@ void MainWindow::restoreShow(const glow::UnsavedShow &show)
 {
     resetDocument();
     closeSong();
-    openProject(show.project);
-    currentFile = show.file;
     hasFile = show.hasFile;
+    openProject(show.project); // a show that is not read whole no longer has its file
+    currentFile = show.file;
     on_timeline_scaler_valueChanged(ui->timeline_scaler->value());
     scanMissingPictures();
     history.clear();

@@ -44,10 +44,6 @@ void MainWindow::addTimeline(short index)
 
 void MainWindow::renumberTracks()
 {
-    for (Timeline *track : qAsConst(timelines)) {
-        const int row = ui->timeline_layout->indexOf(track);
-        track->rowLabel->setText(QString::number(timelines.size() - row + 1));
-    }
     // The labels of removed tracks stay behind in their layout; those that count stand at their tracks' places. The tab
     // key goes through the tracks from the top down.
     QWidget *above = ui->timeline_scroll_2;
@@ -56,10 +52,12 @@ void MainWindow::renumberTracks()
         if (track == nullptr) {
             continue;
         }
+        track->rowLabel->setText(QString::number(timelines.size() - row + 1));
         track->setAccessibleName(tr("軌道") + u' ' + track->rowLabel->text());
         setTabOrder(above, track);
         above = track;
-        if (ui->timeline_rowheader_layout->indexOf(track->rowLabel) != row) {
+        QLayoutItem *place = ui->timeline_rowheader_layout->itemAt(row);
+        if (place == nullptr || place->widget() != track->rowLabel) {
             ui->timeline_rowheader_layout->removeWidget(track->rowLabel);
             ui->timeline_rowheader_layout->insertWidget(qMin(row, ui->timeline_rowheader_layout->count()),
                                                         track->rowLabel);

@@ -193,6 +193,19 @@ private slots:
         QCOMPARE(window->windowTitle(), QString("Glowsmith - show.gsw3 *"));
     }
 
+    void absurdlyManyTracksKeepTheirFile()
+    {
+        DialogDriver driver;
+        driver.answerBox(QMessageBox::Ok);
+        QElapsedTimer clock;
+        clock.start();
+        load("many.gsw3", fileOf(QVector<QVector<QByteArray>>(100000, {})));
+        QVERIFY(driver.done());
+        QVERIFY(window->timelines.size() >= 500);
+        QVERIFY(!window->hasFile); // what is not shown is not lost by a save
+        QVERIFY2(clock.elapsed() < 60000, qPrintable(QString::number(clock.elapsed())));
+    }
+
     void failedOpeningLeavesOneEmptyTrack()
     {
         QVERIFY(QDir().mkpath(env->path("folder.gsw3")));
