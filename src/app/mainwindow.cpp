@@ -228,6 +228,7 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
     if (event->key() == Qt::Key_Delete && currentItem != nullptr) {
         qDebug() << "item delete key press";
         currentTimeline->deleteTimelineItem(currentItem);
+        currentItem->selected = 0; // a step of the history can bring it back
         currentItem = nullptr;
         ui->NEW_radio->setChecked(true);
         updateStatus();

@@ -92,6 +92,7 @@ private slots:
         QCOMPARE(track->items, QList<TimelineItem *>{a});
         redo();
         QVERIFY(track->items.contains(b) && !b->isHidden());
+        QVERIFY(b->selected == 0); // it is not in the panel
 
         // Deleting the first and going back brings it back, and takes the second.
         remove(a);
