@@ -16,6 +16,7 @@ namespace {
 // Pauses between two insertions: in a flood the terminal spends a quarter of its time on them.
 constexpr int leastPauseMs = 20;
 constexpr int pauseShare = 3;
+constexpr int smallPiece = 256; // characters that need not wait for the pause's end
 
 bool endsLine(QChar character)
 {
@@ -118,7 +119,7 @@ void setup::take(const QByteArray &bytes)
     if (pending.size() > monitorLimit) {
         pending = pending.right(monitorLimit);
     }
-    if (!pause.isActive()) {
+    if (!pause.isActive() || pending.size() <= smallPiece) {
         showPending();
     }
 }
@@ -132,10 +133,13 @@ void setup::showPending()
     clock.start();
     const QString text = withoutEndlessLines(pending);
     QTextDocument *document = ui->MONITOR->document();
-    const int excess = document->characterCount() + text.size() - monitorLimit;
+    const int present = document->characterCount() - 1;
+    const int excess = present + 1 + text.size() - monitorLimit;
     if (excess > 0) {
-        // More than needed, so that not every insertion has to.
-        removeFrom(document, 0, qMin(excess + monitorLimit / 4, document->characterCount() - 1));
+        // More than needed, so that not every insertion has to. What came last stands before the user's cursor.
+        const int surplus = qMin(excess + monitorLimit / 4, present);
+        const int at = ui->MONITOR->textCursor().position();
+        removeFrom(document, at < surplus && present - at >= surplus ? present - surplus : 0, surplus);
     }
     QTextCursor cursor(document);
     cursor.setPosition(ui->MONITOR->textCursor().position());

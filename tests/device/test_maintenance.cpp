@@ -356,7 +356,7 @@ void TestMaintenance::terminalTakesAFlood()
     PropBehaviour behaviour;
     behaviour.chatter = {{1500, QByteArray(10 << 20, 'x') + "THE END"}};
     const Prop prop(0, behaviour);
-    const Terminal terminal;
+    Terminal terminal;
     QElapsedTimer beat;
     qint64 pauseMs = 0;
     QTimer pulse;
@@ -366,6 +366,16 @@ void TestMaintenance::terminalTakesAFlood()
     QTRY_VERIFY_WITH_TIMEOUT(terminal.text().endsWith("THE END"), 3 * longest);
     QVERIFY(terminal.ui->MONITOR->document()->characterCount() <= setup::monitorLimit + 1);
     QVERIFY2(pauseMs < 5000, qPrintable(QString::number(pauseMs)));
+
+    // The newest is kept as well when the user has put the cursor to the top of a full monitor.
+    terminal.ui->MONITOR->clear();
+    terminal.ui->MONITOR->insertPlainText(QString("old\n").repeated(20000));
+    terminal.ui->MONITOR->moveCursor(QTextCursor::Start);
+    terminal.take(QByteArray("new\n").repeated(7000));
+    QTRY_VERIFY(terminal.text().startsWith("new\n"));
+    terminal.take("newer\n"); // little comes at once, also during a pause
+    QVERIFY(terminal.text().startsWith(QString("new\n").repeated(7000) + "newer\nold\n"));
+    QVERIFY(terminal.ui->MONITOR->document()->characterCount() <= setup::monitorLimit + 1);
 }
 
 QTEST_MAIN(TestMaintenance)
