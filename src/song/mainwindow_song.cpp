@@ -99,8 +99,10 @@ void MainWindow::ReadSong(const QString &path)
     connect(player, &QMediaPlayer::positionChanged, this, &MainWindow::positionChanged);
     connect(player, &QMediaPlayer::stateChanged, this, &MainWindow::stateChanged);
 
-    // The back ends open no relative path.
-    const QString file = QFileInfo(path).absoluteFilePath();
+    // The back ends open no relative path. One that leads nowhere here, such as another system's, is saved as it
+    // stands.
+    const QFileInfo info(path);
+    const QString file = info.isRelative() && info.exists() ? info.absoluteFilePath() : path;
     player->setMedia(QUrl::fromLocalFile(file));
 
     // What a decode of an older song still delivers is told by its sender and dropped.

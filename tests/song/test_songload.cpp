@@ -214,10 +214,14 @@ private slots:
 
         // A missing one leaves no song and the older chart.
         const QtCharts::QChart *second = window->chartView->chart();
-        read(env->path("gone.wav"));
-        QVERIFY(!window->hasSong());
-        QCOMPARE(window->chartView->chart(), second);
-        QCOMPARE(ui->statusBar->currentMessage(), decodeWarning);
+        for (const QString &gone : {env->path("gone.wav"), QString("C:/Music/gone.mp3"), QString("gone.mp3")}) {
+            ui->statusBar->clearMessage();
+            read(gone);
+            QVERIFY(!window->hasSong());
+            QCOMPARE(window->chartView->chart(), second);
+            QCOMPARE(ui->statusBar->currentMessage(), decodeWarning);
+            QCOMPARE(window->audioDecoder->sourceFilename(), gone); // as a save keeps it
+        }
 
         // A path from the working directory is as good as a whole one.
         songs::writeWav("near.wav", {8000, 1, 1000});
