@@ -319,7 +319,7 @@ private:
     // The title of a show that has a file: the part of the path behind the last "/".
     void setUpTitle(const QString &path);
     // The two formats of projects, into the empty document (app/mainwindow_project.cpp).
-    void openProject(const QByteArray &bytes);
+    void openProject(const glow::Project &project);
     void openOldProject(const QByteArray &bytes);
     // A new result of the picture tab: its repeat count, the preview and the tab's own view.
     void showPicturePixmap(const QPixmap &pixmap);

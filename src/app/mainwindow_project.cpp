@@ -20,6 +20,7 @@
 #include <QMessageBox>
 #include <QProgressDialog>
 
+#include <algorithm>
 #include <utility>
 
 namespace {
@@ -163,7 +164,7 @@ void MainWindow::LoadFile(QString path)
     if (glow::readWholeFile(currentFile, bytes)) {
         hasFile = true;
         if (binary) {
-            openProject(bytes);
+            openProject(glow::readProject(bytes));
         } else {
             openOldProject(bytes);
         }
@@ -184,7 +185,12 @@ void MainWindow::restoreShow(const glow::UnsavedShow &show)
     resetDocument();
     closeSong();
     hasFile = show.hasFile;
-    openProject(show.project); // a show that is not read whole no longer has its file
+    glow::Project project = glow::readProject(show.project);
+    if (!project.tracks.isEmpty()) {
+        // Placing turns the order of all tracks but the first around; the performer's own order is to come back.
+        std::reverse(project.tracks.begin() + 1, project.tracks.end());
+    }
+    openProject(project); // a show that is not read whole no longer has its file
     currentFile = show.file;
     on_timeline_scaler_valueChanged(ui->timeline_scaler->value());
     scanMissingPictures();
@@ -193,6 +199,8 @@ void MainWindow::restoreShow(const glow::UnsavedShow &show)
     if (hasFile) {
         setUpTitle(currentFile);
         setWindowTitle(windowTitle().chopped(1) + u'*');
+    } else {
+        setWindowTitle(QStringLiteral("Glowsmith")); // not that of a project from the command line
     }
 }
 
@@ -212,9 +220,8 @@ void MainWindow::closeSong()
     ui->Song_dir->clear();
 }
 
-void MainWindow::openProject(const QByteArray &bytes)
+void MainWindow::openProject(const glow::Project &project)
 {
-    const glow::Project project = glow::readProject(bytes);
     if (project.hasSong()) {
         ReadSong(project.songPath);
     }

@@ -133,12 +133,14 @@ void Recovery::keep()
         }
         return;
     }
-    if (isKept && sameShow(present, kept)) {
+    if (isKept && keptFile == window->currentFile && keptHasFile == window->hasFile && sameShow(present, kept)) {
         return;
     }
     kept = present;
+    keptFile = window->currentFile;
+    keptHasFile = window->hasFile;
     isKept = true;
-    writer().start(new WriteShow(store->path(), {QByteArray(), window->currentFile, window->hasFile}, present));
+    writer().start(new WriteShow(store->path(), {QByteArray(), keptFile, keptHasFile}, present));
 }
 
 void Recovery::waitForWriting()

@@ -44,7 +44,9 @@ private:
     MainWindow *window;
     std::unique_ptr<glow::RecoveryStore> store;
     glow::Project safe; // the show when it was last safe
-    glow::Project kept; // the show as last written here
+    glow::Project kept; // the show as last written here, and what it belonged to
+    QString keptFile;
+    bool keptHasFile = false;
     bool isKept = false;
     bool isOver = false;
 };

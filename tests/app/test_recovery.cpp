@@ -89,8 +89,11 @@ private slots:
             window->recovery->showIsSafe();
             window->currentTimeline->items.first()->on_itemDelete_clicked();
         } else {
-            window->on_timeline_add_clicked();
-            addColour();
+            for (int i = 0; i < 3; ++i) {
+                window->on_timeline_add_clicked();
+                window->ui->Color_R->setValue(100 + i);
+                addColour();
+            }
         }
         const glow::Project before = window->asProject();
         QCOMPARE(kept(), 1);
@@ -121,6 +124,27 @@ private slots:
         QCOMPARE(contentOf(window->currentFile), QByteArray("the user's own"));
         window->on_actionSave_triggered();
         QCOMPARE(keptFiles(), 0);
+    }
+
+    // What the show belongs to changes without the show: New answered with Cancel takes its file.
+    void showWithoutFileComesBackWithoutOne()
+    {
+        addColour();
+        QCOMPARE(kept(), 1);
+        window->hasFile = false;
+        QCOMPARE(kept(), 1);
+        const QByteArray survivor = contentOf(folder() + "/unsaved-0.show");
+        window.reset();
+        QVERIFY(put(folder() + "/unsaved-0.show", survivor));
+        auto store = std::make_unique<glow::RecoveryStore>(folder());
+        glow::UnsavedShow show;
+        QVERIFY(store->findLeftover(show) && !show.hasFile);
+        window.reset(new MainWindow);
+        keepIn(std::move(store));
+        window->setWindowTitle("Glowsmith - other.gsw3  "); // was given to this run
+        window->recovery->restore(show);
+        QVERIFY(!window->hasFile);
+        QCOMPARE(window->windowTitle(), QString("Glowsmith"));
     }
 
     void closingDecides()
