@@ -268,6 +268,9 @@ void MainWindow::audioPlotting()
     chartView->setMinimumSize(0, 0); // a chart of no size has nothing to lay out
     chartView->resize(0, 0);
     const QScopedPointer<QChart> old(chartView->chart());
+    if (waveSeries->chart() != nullptr) {
+        waveSeries->chart()->removeSeries(waveSeries); // plotted once more: a chart takes its series down with it
+    }
     chartView->setChart(chartOf(waveSeries, glow::waveAxisLimit(waveMax)));
     chartView->wavePoints = waveSamples.toList();
     chartView->setRenderHint(QPainter::Antialiasing);

@@ -7,6 +7,8 @@
 #include <QColor>
 #include <QPair>
 
+#include <cmath>
+
 struct ImageModel
 {
     QByteArray header;
@@ -36,7 +38,7 @@ inline ImageModel modelOf(const glow::DeviceShow &show)
     const auto addBlocks = [&](float ms, QRgb colour) {
         const int repeat = static_cast<int>(ms / 240.0F);
         const float exact = ms * show.frameRate;
-        const int frames = repeat == 0 ? 0 : static_cast<int>(double(exact / float(repeat * 1000)) + 0.5);
+        const int frames = repeat == 0 ? 0 : static_cast<int>(std::floor(double(exact / float(repeat * 1000)) + 0.5));
         drift = drift + (exact / 1000.0F - float(frames * repeat));
         QByteArrayList all;
         for (int i = 0; i < frames; ++i) {
@@ -47,7 +49,7 @@ inline ImageModel modelOf(const glow::DeviceShow &show)
     const auto addPicture = [&](float ms, const glow::ShowPattern &pattern) {
         int unit = pattern.repeatCount;
         const float exact = ms * show.frameRate;
-        int frames = qMax(1, static_cast<int>(double(exact / float(unit * 1000)) + 0.5));
+        int frames = qMax(1, static_cast<int>(std::floor(double(exact / float(unit * 1000)) + 0.5)));
         drift = drift + (exact / 1000.0F - float(frames * unit));
         for (; double(drift) >= unit * 0.6; ++frames) {
             drift -= float(unit);

@@ -161,19 +161,19 @@ void TestMaintenance::wipeInTheWindow()
     const struct
     {
         int number; // of the port, with a silent one before it; -1: neither
+        int vanishAfter;
         QByteArray greeting;
         QByteArray later; // said soon after
         QByteArray wiped;
-        int vanishAfter;
         QByteArray received;
         QString text;
-    } rows[] = {{-1, "", "", "", -1, "", none},
-                {7, "Wait", "", "Wait", -1, "DD", done},
-                {8, "Hello", "now Wait", "Wait", -1, "DD", done},
-                {9, "wait", "", "Wait", -1, "", none},
-                {99, "", "", "Wait", -1, "", late},
-                {10, "Wait", "", "Wait", 2, "DD", late},
-                {11, "Wait", "", "", -1, "DD", late}};
+    } rows[] = {{-1, -1, "", "", "", "", none},
+                {7, -1, "Wait", "", "Wait", "DD", done},
+                {8, -1, "Hello", "now Wait", "Wait", "DD", done},
+                {9, -1, "wait", "", "Wait", "", none},
+                {99, -1, "", "", "Wait", "", late},
+                {10, 2, "Wait", "", "Wait", "DD", late},
+                {11, -1, "Wait", "", "", "DD", late}};
     for (const auto &row : rows) {
         PropBehaviour behaviour = greets(row.greeting);
         behaviour.chatter = {{100, row.later}};

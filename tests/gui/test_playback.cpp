@@ -63,7 +63,7 @@ private slots:
         QVERIFY(shown() < 65000);
         const int now = glow::msOf(playHead()->indicatorTime);
         QCOMPARE(ui->Song_Slider->value(), now);
-        QCOMPARE(playHead()->x(), static_cast<int>(now / 10.0 + 0.5));
+        QCOMPARE(playHead()->x(), qRound(now / 10.0));
         ui->Song_play->click();
         QVERIFY(showsIcon("play.png") && !clockRuns());
         const int stopped = shown();

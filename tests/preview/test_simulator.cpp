@@ -98,14 +98,15 @@ QImage plainFrame(const PropSimulator &prop, const QSize &size)
     const int speed = prop.spinSpeed;
     if (speed != 0) {
         const qint64 degrees = 1 - ((prop.stepCount * 10 - 10) * speed) / 160;
-        QConicalGradient glow(w / 2 - h * 0.45, h / 2, static_cast<double>(degrees % 360));
+        const QPoint middle(w / 2, h / 2);
+        QConicalGradient glow(middle.x() - h * 0.45, middle.y(), static_cast<double>(degrees % 360));
         glow.setColorAt(speed > 0 ? 0.0 : 1.0, QColor(0, 0, 0, 250));
         glow.setColorAt(speed > 0 ? speed / 10.0 : speed / 10.0 + 1.0, QColor(0, 0, 0, 0));
         glow.setColorAt(speed > 0 ? 1.0 : 0.0, QColor(0, 0, 0, 0));
         painter.setCompositionMode(QPainter::CompositionMode_DestinationAtop);
         painter.setPen(QColor(0, 0, 0, 0));
         painter.setBrush(glow);
-        painter.drawRect(static_cast<int>(w / 2 - h * 0.9), static_cast<int>(h * 0.1 * 0.5), disc.width(),
+        painter.drawRect(static_cast<int>(middle.x() - h * 0.9), static_cast<int>(h * 0.1 * 0.5), disc.width(),
                          disc.height());
     }
     painter.drawImage(w / 2, (h - strip.height()) / 2, strip);

@@ -27,7 +27,7 @@ private:
     void still(int row, double x, double y);
 
     Rgb part(int index) const { return mode == 0 ? front : hues.at(static_cast<std::size_t>(index)); }
-    double fade(int index) const { return 255 - 255 * index / strips; }
+    int fade(int index) const { return 255 - 255 * index / strips; }
 
     int row;
     int mode;

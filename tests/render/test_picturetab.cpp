@@ -38,7 +38,7 @@ QString TestPictureTab::file(const QString &name, const QSize &size) const
 {
     const QImage image =
         painted(size.width(), size.height(), [&](int x, int) { return x < (size.width() + 1) / 2 ? red : black; });
-    const QString path = env->path(name);
+    QString path = env->path(name);
     image.save(path);
     return path;
 }

@@ -211,6 +211,9 @@ private slots:
         QCOMPARE(window->waveSeries->count(), 961);
         QCOMPARE(window->chartView->width(), 200);
         QCOMPARE(ui->audio_layout->count(), 1);
+        window->audioPlotting(); // drawn once more, the waveform is still its own
+        QCOMPARE(window->chartView->chart()->series().size(), 1);
+        QCOMPARE(window->waveSeries->count(), 961);
 
         // A missing one leaves no song and the older chart.
         const QtCharts::QChart *second = window->chartView->chart();

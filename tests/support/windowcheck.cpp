@@ -52,7 +52,7 @@ QString whatIsWrong(const MainWindow &window, bool strays)
     QSet<const TimelineItem *> seen;
     for (const Timeline *track : window.timelines) {
         current += track->isCurrent ? 1 : 0;
-        const QString label = wrongLabel(window, *track);
+        QString label = wrongLabel(window, *track);
         if (!label.isEmpty()) {
             return label;
         }
@@ -61,7 +61,7 @@ QString whatIsWrong(const MainWindow &window, bool strays)
                 return QStringLiteral("an item is listed twice");
             }
             seen.insert(item);
-            const QString wrong = wrongItem(*track, *item, strays);
+            QString wrong = wrongItem(*track, *item, strays);
             if (!wrong.isEmpty()) {
                 return wrong;
             }

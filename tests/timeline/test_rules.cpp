@@ -159,11 +159,14 @@ private slots:
                 const QVector<glow::Tick> ticks = positions.between(from, end);
                 auto tick = ticks.constBegin();
                 int index = 0;
-                for (float x = 0; x < end; x += tickMs / zoom, ++index) {
+                float x = 0;
+                while (x < end) {
                     if (x >= from) {
                         QVERIFY(tick != ticks.constEnd() && tick->index == index && tick->x == x);
                         ++tick;
                     }
+                    x += tickMs / zoom;
+                    ++index;
                 }
                 QVERIFY(tick == ticks.constEnd());
             }

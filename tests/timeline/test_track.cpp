@@ -67,8 +67,12 @@ protected:
         QPainter painter(this);
         const float zoom = msPerPixel;
         const int unit = zoom > 23.0F ? 50 : 10;
-        int i = 0;
-        for (float x = 0; x < float(width()); x += tickMs / zoom, ++i) {
+        int i = -1;
+        float next = 0;
+        while (next < float(width())) {
+            const float x = next;
+            next += tickMs / zoom;
+            ++i;
             const int grey = i % (10 * unit) == 0 ? 150 : i % unit == 0 ? 120 : 100;
             painter.setPen(QColor(grey, grey, grey));
             if (grey > 100 || zoom <= 5.0F)
