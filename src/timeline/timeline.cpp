@@ -11,6 +11,7 @@
 
 #include <QDebug>
 #include <QMenu>
+#include <QMetaMethod>
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
@@ -37,6 +38,19 @@ const QString labelStyle =
     QStringLiteral("color: rgb(255,255,255); background-color: rgba(255,255,255,20); border: 1px solid rgb(30,35,40);");
 const QString currentLabelStyle =
     QStringLiteral("color: rgb(255,255,255); background-color: rgba(100,100,255,70); border: 1px solid rgb(30,35,40);");
+
+// Whatever listens to the widget's own signals no longer hears them. destroyed() stays connected: Qt keeps style rules
+// for each widget by its address, and would otherwise keep them for good and give them to another one made there.
+void disconnectSignals(QWidget *widget)
+{
+    const QMetaObject *meta = widget->metaObject();
+    for (int i = QObject::staticMetaObject.methodCount(); i < meta->methodCount(); ++i) {
+        const QMetaMethod method = meta->method(i);
+        if (method.methodType() == QMetaMethod::Signal) {
+            QObject::disconnect(widget, method, nullptr, QMetaMethod());
+        }
+    }
+}
 
 glow::Span spanOf(const TimelineItem *item)
 {
@@ -179,7 +193,7 @@ void Timeline::releaseItem(TimelineItem *item)
         setFocus();
     }
     item->setParent(nullptr);
-    item->disconnect();
+    disconnectSignals(item);
     disconnect(item);
     item->hide();
 }

@@ -185,18 +185,25 @@ private slots:
     {
         TimelineItem *item = add(1000, 2000);
         QSignalSpy clicked(track, &Timeline::itemClicked);
+        QSignalSpy others(item, &TimelineItem::itemClicked);
         item->on_itemDelete_clicked();
         QVERIFY(track->items.isEmpty());
         QVERIFY(item->isHidden() && item->parentWidget() == nullptr);
         emit item->itemClicked(item, false);
         msPerPixel = 5.0F;
         emit track->timelineMultiUpdated();
-        QVERIFY(clicked.isEmpty() && item->x() == 100);
+        QVERIFY(clicked.isEmpty() && others.isEmpty() && item->x() == 100);
 
         // Back on a track it is tied once.
         track->addTimelineItem(item);
         emit item->itemClicked(item, false);
         QCOMPARE(clicked.size(), 1);
+
+        // What keeps things for a widget by its address, as the style does, has to hear of its end.
+        QSignalSpy ended(item, &QObject::destroyed);
+        item->on_itemDelete_clicked();
+        delete item;
+        QCOMPARE(ended.size(), 1);
     }
 
     void sortingActsOnTheWidgets()
