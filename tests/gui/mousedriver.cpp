@@ -27,13 +27,18 @@ QPoint MouseDriver::inWindow(const QWidget *widget, const QPoint &pos) const
 bool MouseDriver::drag(TimelineItem *item, const QPoint &pos, const QVector<Step> &steps)
 {
     QWindow *target = window->windowHandle();
-    QPoint last = inWindow(item, pos);
-    // A drag begins where the pointer really is, and synthetic events do not move it.
-    QCursor::setPos(window->mapToGlobal(last));
-    if (!QTest::qWaitFor([&] { return QCursor::pos() == window->mapToGlobal(last); })) {
+    QPoint last;
+    // A drag begins where the pointer really is, and synthetic events do not move it. What is still on its way may move
+    // the item meanwhile.
+    const bool there = QTest::qWaitFor([&] {
+        last = inWindow(item, pos);
+        QCursor::setPos(window->mapToGlobal(last));
+        QCoreApplication::processEvents();
+        return last == inWindow(item, pos) && QCursor::pos() == window->mapToGlobal(last);
+    });
+    if (!there) {
         return false;
     }
-    QCoreApplication::processEvents();
     int next = 0;
     bool done = false;
     QTimer pace;
