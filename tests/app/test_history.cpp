@@ -116,6 +116,21 @@ private slots:
         QCOMPARE(window->history.snapshots.size(), 2);
     }
 
+    void thePanelKeepsItsPattern()
+    {
+        const QPointer<TimelineItem> edited = add(0, 1000);
+        TimelineItem *placed = add(2000, 3000);
+        window->on_timelineItem_Clicked(edited, false);
+        edited->on_itemDelete_clicked();
+        for (const bool held : {true, false}) {
+            window->history.clear();
+            destroyWhatIsDue();
+            QCOMPARE(edited.isNull(), !held);
+            window->on_timelineItem_Clicked(placed, false);
+            window->updateStatus();
+        }
+    }
+
     void modelAgrees()
     {
         QRandomGenerator random(4711);
