@@ -39,26 +39,21 @@ private slots:
         }
     }
 
-    void livingProgramsAreLeftAlone()
-    {
-        addColour();
-        QCOMPARE(kept(), 1);
-        const QString scrap = folder() + "/unsaved-1.show.a1B2c3"; // of a program that went down while it wrote
-        QVERIFY(put(scrap));
-        glow::RecoveryStore second(folder());
-        QVERIFY(!QFile::exists(scrap));
-        glow::UnsavedShow show;
-        QVERIFY(!second.findLeftover(show));
-        QCOMPARE(second.path(), folder() + "/unsaved-1.show");
-        QCOMPARE(keptFiles(), 1);
-    }
-
     void changeIsKeptAndSavingRemovesIt()
     {
         QCOMPARE(kept(), 0); // nothing changed yet
         addColour();
         QVERIFY(window->recovery->hasUnsaved());
         QCOMPARE(kept(), 1);
+        // Another program leaves alone what belongs to a living one, and clears away what was half written.
+        const QString scrap = folder() + "/unsaved-1.show.a1B2c3";
+        QVERIFY(put(scrap));
+        glow::RecoveryStore second(folder());
+        QVERIFY(!QFile::exists(scrap));
+        glow::UnsavedShow show;
+        QVERIFY(!second.findLeftover(show));
+        QCOMPARE(second.path(), folder() + "/unsaved-1.show");
+
         window->on_actionSave_triggered();
         QCOMPARE(keptFiles(), 0);
         QVERIFY(!window->recovery->hasUnsaved());
@@ -72,10 +67,12 @@ private slots:
     {
         QTest::addColumn<bool>("empty");
         QTest::addColumn<bool>("fullDisk");
-        QTest::newRow("a show") << false << false;
-        QTest::newRow("a show that was emptied") << true << false;
+        QTest::addColumn<bool>("hasFile");
+        QTest::newRow("a show") << false << false << true;
+        QTest::newRow("a show that was emptied") << true << false << true;
+        QTest::newRow("a show that has lost its file") << false << false << false; // by New answered with Cancel
 #ifdef Q_OS_UNIX
-        QTest::newRow("on a full disk") << false << true;
+        QTest::newRow("on a full disk") << false << true << true;
 #endif
     }
 
@@ -83,31 +80,34 @@ private slots:
     {
         QFETCH(const bool, empty);
         QFETCH(const bool, fullDisk);
+        QFETCH(const bool, hasFile);
         addColour();
         QVERIFY(put(window->currentFile, "the user's own"));
         if (empty) {
             window->recovery->showIsSafe();
             window->currentTimeline->items.first()->on_itemDelete_clicked();
-        } else {
-            for (int i = 0; i < 3; ++i) {
-                window->on_timeline_add_clicked();
-                window->ui->Color_R->setValue(100 + i);
-                addColour();
-            }
         }
-        const glow::Project before = window->asProject();
+        for (int i = 0; i < 3 && !empty; ++i) {
+            window->on_timeline_add_clicked();
+            window->ui->Color_R->setValue(100 + i);
+            addColour();
+        }
         QCOMPARE(kept(), 1);
+        window->hasFile = hasFile; // without a change of the show
+        QCOMPARE(kept(), 1);
+        const glow::Project before = window->asProject();
+
         // What remains of a run that was killed: the file without its program.
         const QString file = folder() + "/unsaved-0.show";
         const QByteArray survivor = contentOf(file);
         window.reset();
         QVERIFY(put(file, survivor));
-
         auto store = std::make_unique<glow::RecoveryStore>(folder());
         glow::UnsavedShow show;
         QVERIFY(store->findLeftover(show));
         window.reset(new MainWindow);
         keepIn(std::move(store));
+        window->setWindowTitle("Glowsmith - other.gsw3  "); // was given to this run
         {
 #ifdef Q_OS_UNIX
             const SmallDisk disk(fullDisk ? 100 : RLIM_INFINITY);
@@ -116,37 +116,18 @@ private slots:
         }
         QCOMPARE(window->asProject().tracks, before.tracks);
         QCOMPARE(window->currentFile, env->path("mine.gsw3"));
-        QVERIFY(window->hasFile);
-        QCOMPARE(window->windowTitle(), QString("Glowsmith - mine.gsw3 *"));
+        QCOMPARE(window->hasFile, hasFile);
+        QCOMPARE(window->windowTitle(), QString(hasFile ? "Glowsmith - mine.gsw3 *" : "Glowsmith"));
         QVERIFY(window->recovery->hasUnsaved());
         QCOMPARE(keptFiles(), 1); // this run's own copy, or still the earlier one
         QCOMPARE(QFile::exists(file), fullDisk);
         QCOMPARE(contentOf(window->currentFile), QByteArray("the user's own"));
+        window->hasFile = true;
         window->on_actionSave_triggered();
         QCOMPARE(keptFiles(), 0);
     }
 
-    // What the show belongs to changes without the show: New answered with Cancel takes its file.
-    void showWithoutFileComesBackWithoutOne()
-    {
-        addColour();
-        QCOMPARE(kept(), 1);
-        window->hasFile = false;
-        QCOMPARE(kept(), 1);
-        const QByteArray survivor = contentOf(folder() + "/unsaved-0.show");
-        window.reset();
-        QVERIFY(put(folder() + "/unsaved-0.show", survivor));
-        auto store = std::make_unique<glow::RecoveryStore>(folder());
-        glow::UnsavedShow show;
-        QVERIFY(store->findLeftover(show) && !show.hasFile);
-        window.reset(new MainWindow);
-        keepIn(std::move(store));
-        window->setWindowTitle("Glowsmith - other.gsw3  "); // was given to this run
-        window->recovery->restore(show);
-        QVERIFY(!window->hasFile);
-        QCOMPARE(window->windowTitle(), QString("Glowsmith"));
-    }
-
+    // Saving without a name saves nothing: what nobody has looked at yet is kept.
     void closingDecides()
     {
         for (const bool save : {true, false}) {
@@ -156,8 +137,7 @@ private slots:
             DialogDriver driver;
             driver.answerBox(save ? QMessageBox::Save : QMessageBox::No);
             if (save) {
-                driver.answerFile(
-                    {}); // no name given: the show is not saved, and what nobody has looked at yet is kept
+                driver.answerFile({});
             }
             QVERIFY(window->close());
             QVERIFY(driver.done());
@@ -190,7 +170,6 @@ private:
         window->recovery->waitForWriting();
         return keptFiles();
     }
-
     QString folder() const
     {
         return env->path("data");
