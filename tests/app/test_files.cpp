@@ -1,0 +1,323 @@
+// What the program writes, as values: the pattern record with its settings text, both project formats, whole files; on
+// good bytes and on bad ones. And the rules of repeats and props.
+#include "app/gadgetcatalogue.h"
+#include "app/oldproject.h"
+#include "app/patternrecord.h"
+#include "app/projectfile.h"
+#include "app/repeatrules.h"
+#include "app/settingstext.h"
+#include "app/wholefile.h"
+#include "smalldisk.h"
+#include "support/samples.h"
+
+#include <QBuffer>
+#include <QDataStream>
+#include <QTemporaryDir>
+#include <QtEndian>
+#include <QtTest>
+
+#include <cmath>
+
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
+
+using glow::Project;
+using glow::WriteResult;
+
+namespace {
+
+const QByteArray head = QByteArray::fromHex("004640A068000000000000000008006E0075006C006C");
+const QByteArray separator = QByteArray::fromHex("000000044E455854");
+
+glow::PatternRecord sample()
+{
+    glow::PatternRecord record;
+    record.thumbnail = QPixmap(3, 85);
+    record.thumbnail.fill(Qt::blue);
+    record.startTime = QTime(0, 0, 1, 2);
+    record.endTime = QTime(0, 1, 0, 5);
+    record.solidColor = QColor(10, 20, 30);
+    record.repeatCount = 7;
+    record.patternKind = 1;
+    record.speedValue = 12;
+    record.settingsText = "1?#0a";
+    return record;
+}
+
+Project projectOf(const QVector<QVector<QByteArray>> &tracks)
+{
+    Project project;
+    project.ledCount = 70;
+    project.frameRate = 2100;
+    project.tracks = tracks;
+    return project;
+}
+
+// The reading rules once more, by the stream that defines them.
+Project readByStream(const QByteArray &bytes)
+{
+    QDataStream stream(bytes);
+    Project project;
+    stream >> project.ledCount >> project.frameRate >> project.songPath;
+    project.tracks.resize(1);
+    while (!stream.atEnd()) {
+        QByteArray item;
+        stream >> item;
+        if (item == "NEXT") {
+            project.tracks.resize(project.tracks.size() + 1);
+        } else {
+            project.tracks.last().append(item);
+        }
+    }
+    return project;
+}
+
+bool same(const Project &a, const Project &b)
+{
+    const bool sameRate = a.frameRate == b.frameRate || (std::isnan(a.frameRate) && std::isnan(b.frameRate));
+    return a.ledCount == b.ledCount && sameRate && a.songPath == b.songPath && a.tracks == b.tracks;
+}
+
+} // namespace
+
+class TestFiles : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void blobHasTheStatedBytes()
+    {
+        const QByteArray blob = glow::writePattern(sample());
+        QVERIFY(blob.startsWith(QByteArray::fromHex("00000001") + "\x89PNG\r\n\x1a\n"));
+        const int png = blob.indexOf("IEND") + 8;                           // the chunk's name and its checksum
+        QCOMPARE(blob.mid(png).toHex(), QByteArray("000003ea0000ea65"       // 1002 and 60005 ms
+                                                   "01ffff0a0a14141e1e0000" // each channel's byte doubled
+                                                   "00000007000000010000000c"
+                                                   "0000000a0031003f002300300061"));
+        const glow::PatternRecord back = glow::readPattern(blob);
+        QCOMPARE(back.thumbnail.size(), QSize(3, 85));
+        QCOMPARE(back.thumbnail.toImage().pixelColor(1, 1), QColor(Qt::blue));
+        QCOMPARE(glow::writePattern(back), blob);
+
+        const QByteArray least = glow::writePattern(glow::PatternRecord());
+        QCOMPARE(least.toHex(), QByteArray("00000000ffffffffffffffff00ffff0000000000000000"
+                                           "000000000000000000000000ffffffff"));
+        QVERIFY(glow::readPattern(least).settingsText.isNull());
+
+        // Foreign bytes: cut off, and a picture that claims more than there can be.
+        for (int length = 0; length < blob.size(); ++length) {
+            const glow::PatternRecord record = glow::readPattern(blob.left(length));
+            QVERIFY(record.settingsText.isEmpty());
+            QVERIFY(record.repeatCount == 7 || record.repeatCount == 0);
+        }
+        QByteArray huge = blob;
+        const int header = huge.indexOf("IHDR") + 4;
+        qToBigEndian<quint32>(60000, huge.data() + header);
+        qToBigEndian<quint32>(60000, huge.data() + header + 4);
+        QVERIFY(glow::readPattern(huge).thumbnail.isNull());
+    }
+
+    void settingsSplitAsFarAsTheyGo()
+    {
+        const QString picture = glow::composePicture(1, "C:/art/a.png", 100, false, true);
+        QCOMPARE(picture, QString("0?1?C:/art/a.png?100|0|1"));
+        const glow::SettingsText split = glow::parseSettings(picture);
+        QCOMPARE(split.picturePath(), QString("C:/art/a.png"));
+        QCOMPARE(split.flagNumber(0), 100);
+        QVERIFY(!split.flag(1) && split.flag(2) && !split.flag(3));
+        QCOMPARE(glow::withPicturePath(picture, "/n.png"), QString("0?1?/n.png?100|0|1"));
+        QCOMPARE(glow::withPicturePath("0?1", "/n.png"), QString("0?1"));
+        QCOMPARE(glow::parseSettings("2?3?a|b||4|2").value(4), QString("2")); // an empty text
+
+        QVERIFY(glow::isOutdatedSettings(QString()) && glow::isOutdatedSettings("0?1?a.png?3"));
+        QVERIFY(!glow::isOutdatedSettings("1?#ff0000") && !glow::isOutdatedSettings("0?1?a?0|0|0"));
+        QVERIFY(!glow::parseSettings(QString()).isPicture());
+        QVERIFY(!glow::parseSettings("1?#ff0000").hasGroups());
+    }
+
+    void repeatsFollowTheirTwoRules()
+    {
+        struct Case
+        {
+            double seconds;
+            int speed;
+            int width;
+            float rate;
+            int suggested;
+            int placed;
+        };
+        for (const Case &c : {Case{5.0, 10, 500, 1100.0F, 10, 10},
+                              {5.0, 10, 500, 1500.0F, 10, 10}, // not yet a high rate
+                              {5.0, 10, 500, 2100.0F, 15, 20},
+                              {2.45, 10, 700, 1100.0F, 4, 4}, // 3.5 rounds up
+                              {0.1, 2, 5000, 1100.0F, 1, 1},
+                              {0.0, 10, 500, 2100.0F, 1, 1},
+                              {-0.7, 10, 500, 2100.0F, 1, 1},
+                              {5.0, 10, 0, 2100.0F, 1, 1},
+                              // Single precision lifts what double precision would leave below one half: the sum
+                              // 313.49999999999994 + 0.5, the quotient 73457.497.
+                              {25.08, 12, 144, 2100.0F, 314, 418},
+                              {877.409, 18, 43, 2100.0F, 55093, 73458}}) {
+            QCOMPARE(glow::suggestedRepeat(c.seconds, c.speed, c.width, c.rate), c.suggested);
+            QCOMPARE(glow::placedRepeat(qRound(c.seconds * 1000), c.speed, c.width, c.rate), c.placed);
+        }
+    }
+
+    void catalogueSkipsBrokenRows()
+    {
+        QBuffer text;
+        text.setData("36,1333,One\r\nbroken\r\n48,1100,Two\n");
+        QVERIFY(text.open(QIODevice::ReadOnly));
+        const QVector<glow::Gadget> read = glow::readGadgets(text);
+        QCOMPARE(read.size(), 2);
+        QCOMPARE(glow::findGadget(read, 48, 1100.0F), 1);
+    }
+
+    void projectsHaveTheKnownBytes()
+    {
+        const QByteArray x = QByteArray::fromHex("00000001") + 'x';
+        const QByteArray odd = QByteArray::fromHex("00000003") + "NEX" + QByteArray::fromHex("00000005") + "NEXT ";
+        const QVector<QPair<QVector<QVector<QByteArray>>, QByteArray>> cases{
+            {{{}}, ""},
+            {{{"x"}, {}, {"x"}}, x + separator + separator + x},
+            {{{"x", "x"}, {}}, x + x + separator},
+            {{{}, {"x"}}, separator + x},
+            {{{"NEX", "NEXT "}}, odd},
+        };
+        for (const auto &[tracks, items] : cases) {
+            QCOMPARE(glow::writeProject(projectOf(tracks)), head + items);
+            QVERIFY(same(glow::readProject(head + items), projectOf(tracks)));
+        }
+        QVERIFY(!glow::readProject(head).hasSong() && !glow::readProject(QByteArray()).hasSong());
+        QVERIFY(glow::isProjectPath("/old.gsw3/a.gsw") && !glow::isProjectPath("/shows/a.GSW3"));
+    }
+
+    void damagedProjectsReadAsTheStreamReadsThem()
+    {
+        Project project = projectOf({{"first", QByteArray(60, '\1')}, {}, {QByteArray(45, '\xFF')}});
+        project.songPath = "歌/song.mp3";
+        const QByteArray whole = glow::writeProject(project);
+        QVERIFY(same(glow::readProject(whole), project));
+        QByteArrayList damaged{head.left(10) + QByteArray::fromHex("7FFFFFFE") + "abcd", // an endless song
+                               head + QByteArray::fromHex("FFFFFFFE") + "abcd",          // endless blobs
+                               head + QByteArray::fromHex("80000000") + "abcd",
+                               QByteArray(1 << 20, '\0'),
+                               QByteArray(1 << 20, '\xFF'),
+                               head + separator.repeated(1 << 17)};
+        for (int i = 0; i < whole.size(); ++i) {
+            damaged << whole.left(i) << whole.left(i) + whole.mid(i + 1) << whole.left(i) + 'x' + whole.mid(i);
+            for (const char value : {'\0', '\1', '\x7F', '\xFF'}) {
+                damaged << QByteArray(whole).replace(i, 1, QByteArray(1, value));
+            }
+        }
+        for (const QByteArray &bytes : qAsConst(damaged)) {
+            const Project read = glow::readProject(bytes);
+            QVERIFY2(same(read, readByStream(bytes)), bytes.left(1000).toHex().constData());
+            QVERIFY(same(glow::readProject(glow::writeProject(read)), read));
+        }
+    }
+
+    void oldLinesAreWholeOrDropped()
+    {
+        const QByteArray good = "\n59:59.999><00:05.250><1?#00ff00><more\n";
+        for (const QByteArray &line :
+             {QByteArray(), QByteArray("00:00.000><1?#ff0000"), QByteArray("00:00.000><00:01.000><"),
+              QByteArray("soon><00:01.000><1?#ff0000"), QByteArray("00:00.000><00:01.000><1"),
+              QByteArray("00:00.000><00:01.000><0?1?a.png"), QByteArray("00:00.000><00:01.000><0?1?a.png?100|0"),
+              QByteArray("00:00.000><00:01.000><2?3?#ffffff|#000000|HELLO|4?12|0|0"),
+              QByteArray("00:00.000><00:01.000><3?2?#ff0000"), QByteArray("00:00.000><00:01.000><4?1?a|b|c|d|e?0|0|0"),
+              QByteArray("00:00.000><00:01.000><0?" + QByteArray(1 << 20, '?'))}) {
+            const glow::OldProject project = glow::readOldProject("48><1100\n" + line + good + line);
+            QVERIFY2(project.patterns.size() == 1, line.left(80).constData());
+            const glow::OldPattern &pattern = project.patterns.first();
+            QVERIFY(pattern.start == QTime(0, 59, 59, 999) && pattern.end == QTime(0, 0, 5, 250));
+            QCOMPARE(pattern.settings, QString("1?#00ff00"));
+        }
+        QVERIFY(!glow::readOldProject("48" + good).hasProp && !glow::readOldProject("").hasProp);
+
+        // Text with and without a mark, and what is no UTF-8: the locale's, which depends on the system.
+        const QVector<QPair<QByteArray, QString>> texts{{"48|\xE6\x96\x87", "文"},
+                                                        {"\xEF\xBB\xBF"
+                                                         "48|\xE6\x96\x87",
+                                                         "文"},
+                                                        {"48|caf\xE9", QString::fromLocal8Bit("caf\xE9")}};
+        for (const auto &[bytes, text] : texts) {
+            const QByteArrayList parts = bytes.split('|');
+            const glow::OldProject project = glow::readOldProject(
+                parts.at(0) + "><1100\n00:00.000><00:05.000><2?1?#ffffff|#000000|" + parts.at(1) + "|0|0?5|0|0\n");
+            QCOMPARE(project.leds, 48);
+            QCOMPARE(project.patterns.value(0).settings, QString("2?1?#ffffff|#000000|%1|0|0?5|0|0").arg(text));
+        }
+    }
+
+    void failedWriteKeepsTheOldFile()
+    {
+        // With a name as long as names can be no file can be made beside it, so it is written straight.
+        for (const QString &name : {QString("show.gsw3"), QString(250, 'x') + ".gsw3"}) {
+            const int room = 50000;
+            const QTemporaryDir dir;
+            const QString path = dir.filePath(name);
+            for (const QByteArray &bytes : {QByteArray(room, 'f'), QByteArray("short")}) {
+                QCOMPARE(glow::writeWholeFile(path, bytes).state, WriteResult::Written);
+                QCOMPARE(contentOf(path), bytes);
+            }
+#ifdef Q_OS_UNIX
+            for (const QByteArray &old : {QByteArray(room - 100, 'o'), QByteArray()}) {
+                QVERIFY(old.isEmpty() ? QFile::remove(path) : put(path, old));
+                {
+                    const SmallDisk disk(room);
+                    const WriteResult result = glow::writeWholeFile(path, QByteArray(room + 100, 'n'));
+                    QVERIFY(result.state == WriteResult::Failed && !result.error.isEmpty());
+                }
+                QVERIFY(old.isEmpty() ? !QFile::exists(path) : contentOf(path) == old);
+                // Nothing else stays beside it.
+                QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden).size(), old.isEmpty() ? 0 : 1);
+            }
+#endif
+        }
+    }
+
+    void writingKeepsLinksAndRefusesWhatIsNoFile()
+    {
+        const QTemporaryDir dir;
+        const QString target = dir.filePath("target.gsw3");
+        const QString link = dir.filePath("link.gsw3");
+        const auto permissions = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup;
+        QVERIFY(put(target, "old") && QFile::setPermissions(target, permissions) && QFile::link(target, link));
+        QCOMPARE(glow::writeWholeFile(link, "new").state, WriteResult::Written);
+        QVERIFY(QFileInfo(link).isSymLink());
+        QCOMPARE(contentOf(target), QByteArray("new"));
+        QCOMPARE(QFile::permissions(target) & ~(QFile::ReadUser | QFile::WriteUser), permissions);
+
+        for (const QString &path : {dir.path(), dir.filePath("no/such/folder.gsw3"), QString()}) {
+            QCOMPARE(glow::writeWholeFile(path, "x").state, WriteResult::NotOpened);
+        }
+        // A device is opened, and written straight.
+        if (QFile::exists("/dev/full")) {
+            const WriteResult result = glow::writeWholeFile("/dev/full", "x");
+            QVERIFY(result.state == WriteResult::Failed && !result.error.isEmpty());
+            QVERIFY(QFile::exists("/dev/full") && !QFileInfo("/dev/full").isFile());
+        }
+    }
+
+    void onlyRegularFilesAreRead()
+    {
+        const QTemporaryDir dir;
+        QByteArray bytes = "untouched";
+        QStringList refused{dir.path(), dir.filePath("absent"), "/dev/zero"};
+#ifdef Q_OS_UNIX
+        refused << dir.filePath("pipe");
+        QCOMPARE(mkfifo(QFile::encodeName(refused.last()).constData(), 0600), 0);
+        // More than a byte array holds: part of a file is not the file.
+        refused << dir.filePath("endless");
+        QVERIFY(put(refused.last()) && QFile::resize(refused.last(), qint64(1) << 31));
+#endif
+        for (const QString &name : qAsConst(refused)) {
+            QVERIFY2(!glow::readWholeFile(name, bytes) && bytes == "untouched", qPrintable(name));
+        }
+    }
+};
+
+QTEST_MAIN(TestFiles)
+#include "test_files.moc"
