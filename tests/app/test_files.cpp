@@ -1,11 +1,10 @@
-// What the program writes, as values: the pattern record with its settings text, both project formats, whole files; on
-// good bytes and on bad ones. And the rules of repeats and props.
+// What the program writes, as values: the pattern record, both project formats, whole files; on good bytes and on bad
+// ones. And the rules of repeats and props.
 #include "app/gadgetcatalogue.h"
 #include "app/oldproject.h"
 #include "app/patternrecord.h"
 #include "app/projectfile.h"
 #include "app/repeatrules.h"
-#include "app/settingstext.h"
 #include "app/wholefile.h"
 #include "smalldisk.h"
 #include "support/samples.h"
@@ -116,24 +115,6 @@ private slots:
         qToBigEndian<quint32>(60000, huge.data() + header);
         qToBigEndian<quint32>(60000, huge.data() + header + 4);
         QVERIFY(glow::readPattern(huge).thumbnail.isNull());
-    }
-
-    void settingsSplitAsFarAsTheyGo()
-    {
-        const QString picture = glow::composePicture(1, "C:/art/a.png", 100, false, true);
-        QCOMPARE(picture, QString("0?1?C:/art/a.png?100|0|1"));
-        const glow::SettingsText split = glow::parseSettings(picture);
-        QCOMPARE(split.picturePath(), QString("C:/art/a.png"));
-        QCOMPARE(split.flagNumber(0), 100);
-        QVERIFY(!split.flag(1) && split.flag(2) && !split.flag(3));
-        QCOMPARE(glow::withPicturePath(picture, "/n.png"), QString("0?1?/n.png?100|0|1"));
-        QCOMPARE(glow::withPicturePath("0?1", "/n.png"), QString("0?1"));
-        QCOMPARE(glow::parseSettings("2?3?a|b||4|2").value(4), QString("2")); // an empty text
-
-        QVERIFY(glow::isOutdatedSettings(QString()) && glow::isOutdatedSettings("0?1?a.png?3"));
-        QVERIFY(!glow::isOutdatedSettings("1?#ff0000") && !glow::isOutdatedSettings("0?1?a?0|0|0"));
-        QVERIFY(!glow::parseSettings(QString()).isPicture());
-        QVERIFY(!glow::parseSettings("1?#ff0000").hasGroups());
     }
 
     void repeatsFollowTheirTwoRules()
