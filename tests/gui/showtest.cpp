@@ -1,7 +1,7 @@
 #include "showtest.h"
 
 #include "preview/mygl.h"
-#include "support/windowcheck.h"
+#include "support/samples.h"
 #include "timeline/indicator.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineheaders.h"
@@ -12,46 +12,16 @@
 #include <QScrollBar>
 #include <QtTest>
 
-void ShowTest::initTestCase()
+void ShowTest::init()
 {
-    env.reset(new TestEnv);
-    window.reset(new MainWindow);
+    WindowTest::init();
     mouse.reset(new MouseDriver(window.data()));
-    ui = window->ui;
     ruler = ui->timeline_headers;
     head = ruler->indicator;
     bar = ui->timeline_scroll->horizontalScrollBar();
-    ui->GLWidget->repaintTimer.stop(); // a picture of the preview is of no interest here
-    window->show();
-}
-
-void ShowTest::init()
-{
-    mouse->escapes = false;
-    window->resetDocument();
-    window->updateStatus();
-    ui->timeline_max->setTime(QTime(0, 5));
-    ui->timeline_scaler->setValue(80);
-    head->setIndicatorTime(QTime(0, 0), false);
-    bar->setValue(0);
     QGuiApplication::clipboard()->clear();
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    ui->GLWidget->repaintTimer.stop(); // a picture of the preview is of no interest here
     QTRY_VERIFY(current()->isVisible() && current()->width() == 30000);
-    // Without a window manager a dialog of the test before has left no window active.
-    window->activateWindow();
-    QVERIFY(QTest::qWaitForWindowActive(window.data()));
-}
-
-void ShowTest::cleanup()
-{
-    QTRY_COMPARE(whatIsWrong(*window), QString());
-}
-
-void ShowTest::cleanupTestCase()
-{
-    mouse.reset();
-    window.reset();
-    env.reset();
 }
 
 Timeline *ShowTest::addTrack()
@@ -64,21 +34,14 @@ Timeline *ShowTest::addTrack()
         return track->isVisible() && track->width() == 30000 &&
                last->geometry().bottom() == last->parentWidget()->rect().bottom();
     };
-    return QTest::qWaitFor(settled) ? track : nullptr;
+    if (!QTest::qWaitFor(settled))
+        QTest::qFail("the track finds its row", __FILE__, __LINE__);
+    return track;
 }
 
 TimelineItem *ShowTest::add(Timeline *track, int startMs, int endMs, const QString &settings)
 {
-    glow::PatternRecord record;
-    record.thumbnail = QPixmap(85, 85);
-    record.thumbnail.fill(Qt::red);
-    record.startTime = glow::timeOf(startMs);
-    record.endTime = glow::timeOf(endMs);
-    record.solidColor = Qt::red;
-    record.repeatCount = 1;
-    record.patternKind = glow::ColourPattern;
-    record.settingsText = settings;
-    auto *item = new TimelineItem(glow::writePattern(record), track);
+    auto *item = new TimelineItem(patternBlob(settings, startMs, endMs - startMs), track);
     track->addTimelineItem(item);
     return item;
 }

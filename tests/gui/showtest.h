@@ -1,32 +1,20 @@
-// The real window on a fresh, empty show, with a mouse: what the tests of gestures and tracks build upon.
+// The real window on an empty show, with a mouse: what the tests of gestures and tracks build upon.
 #pragma once
 
-#include "app/mainwindow.h"
 #include "mousedriver.h"
-#include "support/testenv.h"
-
-#include <QObject>
-#include <QScopedPointer>
-
-namespace Ui {
-class MainWindow;
-}
+#include "support/windowtest.h"
 
 class Indicator;
 class QScrollBar;
 class Timeline;
 class TimelineHeaders;
-class TimelineItem;
 
-class ShowTest : public QObject
+class ShowTest : public WindowTest
 {
     Q_OBJECT
 
-private slots:
-    void initTestCase();
-    void init();    // an empty show at the default zoom and length, the play-head at 0, an empty clipboard
-    void cleanup(); // checks the whole window
-    void cleanupTestCase();
+protected slots:
+    void init(); // returns when the track stands in its row
 
 protected:
     Timeline *current() const { return window->currentTimeline; }
@@ -52,10 +40,7 @@ protected:
 
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier); // and release
 
-    QScopedPointer<TestEnv> env;
-    QScopedPointer<MainWindow> window;
     QScopedPointer<MouseDriver> mouse;
-    Ui::MainWindow *ui = nullptr;
     TimelineHeaders *ruler = nullptr;
     Indicator *head = nullptr;
     QScrollBar *bar = nullptr; // the horizontal one of the timeline
