@@ -1,17 +1,10 @@
 // Each gesture on a pattern, with the mouse on the real window: press, drag, release, and what the tracks hold then.
 #include "showtest.h"
 #include "support/dialogdriver.h"
-#include "timeline/indicator.h"
-#include "timeline/timeline.h"
-#include "timeline/timelineheaders.h"
-#include "timeline/timelineitem.h"
-#include "ui_mainwindow.h"
 
 #include <QApplication>
 #include <QDrag>
-#include <QScrollBar>
 #include <QToolTip>
-#include <QtTest>
 
 class TestGestures : public ShowTest
 {
@@ -44,7 +37,7 @@ private slots:
             init();
             ui->timeline_scaler->setValue(row.slider);
             TimelineItem *item = addAll(row.before);
-            QVector<MouseDriver::Step> steps;
+            Steps steps;
             for (const int x : row.path)
                 steps << to(x);
             QVERIFY2(drag(item, row.grab, steps), row.name);
@@ -131,7 +124,6 @@ private slots:
         QVERIFY(drag(item, 50, {on(below, 170), on(above, 250, look)}));
         QVERIFY(moved);
         QCOMPARE(spans(above), QString("2000-4000 4000-5000"));
-
         // Back, by way of the other track: one visit each.
         QVERIFY(drag(item, 50, {on(above, 300), on(below, 300), on(above, 300), on(below, 350)}));
         QCOMPARE(spans(below), QString("3000-5000"));

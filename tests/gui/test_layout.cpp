@@ -1,5 +1,6 @@
 // The window as a user meets it: row labels beside their tracks, nothing cut off at the smallest size in either
-// language, a name for every control, and a tab key that follows the eye.
+// language, a name for every control, a tab key that follows the eye, and what is compiled in.
+#include "forms/style.h"
 #include "support/windowcheck.h"
 #include "support/windowtest.h"
 #include "timeline/timeline.h"
@@ -7,6 +8,9 @@
 #include "ui_mainwindow.h"
 
 #include <QAccessible>
+#include <QLabel>
+#include <QMessageBox>
+#include <QRegularExpression>
 #include <QTranslator>
 #include <QtTest>
 
@@ -137,7 +141,7 @@ private slots:
         QTRY_COMPARE(misplacedRow(), QString());
     }
 
-    void nothingIsCutOff()
+    void nothingIsCutOffInEitherLanguage()
     {
         QTranslator translator;
         QVERIFY(translator.load(":/language/language/english.qm"));
@@ -154,29 +158,22 @@ private slots:
             }
             QCOMPARE(window->size(), QSize(1000, 720));
         }
+
+        // The same text by its context.
+        const QVector<QVector<const char *>> messages{
+            {"WorkerThread", "偵測不到裝置！", "No device detect!"}, // upload
+            {"MainWindow", "偵測不到裝置！", "No device detected!"}, // wipe
+            {"setup", "偵測不到裝置！", ""},                         // terminal
+            {"about", "開新檔案", "New"},
+            {"MainWindow", "開新檔案", ""},
+            {"MainWindow", "音樂播放/暫停", "Music paly/pause"}, // wording kept as it is
+        };
+        for (const QVector<const char *> &message : messages)
+            QCOMPARE(translator.translate(message.at(0), message.at(1)), QString(message.at(2)));
     }
 
-    // A screen reader has to have something to say.
-    void everyControlHasAName()
-    {
-        window->on_timeline_add_clicked();
-        ui->Mode_Pic->setCurrentIndex(1);
-        window->on_Add_Button_clicked();
-        int named = 0;
-        for (QWidget *widget : window->findChildren<QWidget *>()) {
-            const bool control = widget->focusPolicy() != Qt::NoFocus ||
-                                 isOneOf(widget, {"QAbstractButton", "QAbstractSlider", "MyLabel", "QProgressBar"});
-            if (!control || isPart(widget))
-                continue;
-            QAccessibleInterface *spoken = QAccessible::queryAccessibleInterface(widget);
-            QVERIFY2(spoken != nullptr && !spoken->text(QAccessible::Name).isEmpty(),
-                     qPrintable(widget->objectName() + ' ' + widget->metaObject()->className()));
-            ++named;
-        }
-        QVERIFY(named > 80);
-    }
-
-    void tabFollowsTheEye()
+    // For whoever works by the keyboard or listens to a screen reader.
+    void everyControlHasANameAndItsTurn()
     {
         QVERIFY(ui->dockWidget_3->isAncestorOf(window->focusWidget())); // a fresh window starts at the left
         window->on_timeline_add_clicked();
@@ -199,11 +196,50 @@ private slots:
             }
             QCOMPARE(crossings, 1);
             for (QWidget *widget : window->findChildren<QWidget *>()) {
+                const bool control = widget->focusPolicy() != Qt::NoFocus ||
+                                     isOneOf(widget, {"QAbstractButton", "QAbstractSlider", "MyLabel", "QProgressBar"});
+                if (!control || isPart(widget))
+                    continue;
+                const QByteArray name = (widget->objectName() + ' ' + widget->metaObject()->className()).toUtf8();
+                QAccessibleInterface *spoken = QAccessible::queryAccessibleInterface(widget);
+                QVERIFY2(spoken != nullptr && !spoken->text(QAccessible::Name).isEmpty(), name.constData());
                 const bool takesTab = (widget->focusPolicy() & Qt::TabFocus) != 0 && widget->focusProxy() == nullptr;
-                if (takesTab && widget->isVisible() && widget->isEnabled() && !isPart(widget))
-                    QVERIFY2(stops.contains(widget), qPrintable(widget->objectName()));
+                if (takesTab && widget->isVisible() && widget->isEnabled())
+                    QVERIFY2(stops.contains(widget), name.constData());
             }
         }
+    }
+
+    void picturesAndStyleSheetAreWhole()
+    {
+        const QDir icons(":/icon", "*.png");
+        QVERIFY(icons.count() > 10);
+        for (const QString &name : icons.entryList()) {
+            // These stand on a dark surface: a dark or an opaque one would be a mistake of the renderer.
+            const QImage icon = QImage(icons.filePath(name)).convertToFormat(QImage::Format_ARGB32);
+            int drawn = 0;
+            for (int i = 0; i < icon.width() * icon.height(); ++i) {
+                const QRgb pixel = icon.pixel(i % icon.width(), i / icon.width());
+                drawn += qAlpha(pixel) > 200 ? 1 : 0;
+                QVERIFY2(qAlpha(pixel) <= 200 || qGray(pixel) > 140, qPrintable(name));
+            }
+            QVERIFY2(drawn > 0 && qAlpha(icon.pixel(0, 0)) == 0, qPrintable(name));
+        }
+        // Task bars and title bars ask for different sizes; one that is missing would be scaled from another.
+        QCOMPARE(QIcon(":/appicon.ico").availableSizes().size(), 6);
+
+        const QRegularExpression url("url\\(([^)]*)\\)");
+        for (auto it = url.globalMatch(glow::styleSheet()); it.hasNext();) {
+            const QString path = it.next().captured(1);
+            QVERIFY2(!QImage(path).isNull(), qPrintable(path));
+        }
+        // One unreadable rule makes Qt drop the sheet; then the label would keep the palette's colour.
+        QMessageBox box(window.data());
+        box.setText("text");
+        auto *label = box.findChild<QLabel *>("qt_msgbox_label");
+        QVERIFY(label);
+        label->ensurePolished();
+        QCOMPARE(label->palette().color(QPalette::WindowText), QColor(255, 255, 255));
     }
 };
 
