@@ -23,7 +23,6 @@ private slots:
             int slider = 80;
         } rows[] = {
             {"click off the pixel grid", "1003-3007 2500-5000", 100, {}, "1003-3007 3007-5000"},
-            {"dead zone", "1003-3003", 50, {152, 147}, "1003-3003"},
             // 380 * 6.4 + 0.5 and 536 * 6.4 + 0.5
             {"body at 6.4 ms a pixel", "1000-2000", 20, {400}, "2432-3430", 100},
             {"body snaps left", "3000-4000 0-1000", 50, {158, 155}, "0-1000 1000-2000"}, // 105 is within 5.5 of 100
@@ -147,11 +146,6 @@ private slots:
         QCOMPARE(spans(below), QString("1000-3520"));
         QCOMPARE(spans(above), QString("0-9000"));
         QCOMPARE(current(), above); // a quirk that stays: the crossed track is the current one
-        // The Delete key then hides it and leaves it on its own track's list.
-        press(Qt::Key_Delete);
-        QVERIFY(item->isHidden() && item->parentWidget() == nullptr);
-        QCOMPARE(below->items, QList<TimelineItem *>{item});
-        below->items.clear();
     }
 
     void dragsEndWithoutADrop()
@@ -192,7 +186,7 @@ private slots:
     void clickedItemIsRemovedByMenuAndKey()
     {
         TimelineItem *item = addAll("1003-3007 2500-5000 6000-7000");
-        int before = window->history.snapshots.size();
+        const int before = window->history.snapshots.size();
         QVERIFY(drag(item, 100, {}));
         QCOMPARE(window->history.snapshots.size(), before + 1);
         QVERIFY(item->selected == 1 && ui->EDIT_radio->isChecked());
@@ -212,11 +206,9 @@ private slots:
 
         item = current()->items.first();
         QCOMPARE(mouse->menu(item, QPoint(50, 22), QString()), (QStringList{"移除", "複製", "剪下"}));
-        before = window->history.snapshots.size();
         mouse->menu(item, QPoint(50, 22), "移除");
         QCOMPARE(spans(current()), QString("6000-7000"));
         QVERIFY(item->isHidden() && window->currentItem == item); // the panel stays in edit mode on the hidden item
-        QCOMPARE(window->history.snapshots.size(), before);
         press(Qt::Key_Delete);
         QVERIFY(window->currentItem == nullptr && ui->NEW_radio->isChecked());
     }

@@ -99,15 +99,12 @@ private slots:
     {
         const QString type("timeline/itemByteArray");
         const auto clip = [] { return QGuiApplication::clipboard()->mimeData(); };
-        press(Qt::Key_C, Qt::ControlModifier);
-        QVERIFY(!clip()->hasFormat(type));
+        press(Qt::Key_C, Qt::ControlModifier); // nothing yet
         press(Qt::Key_V, Qt::ControlModifier);
-        QVERIFY(current()->items.isEmpty());
-
+        QVERIFY(!clip()->hasFormat(type) && current()->items.isEmpty());
         TimelineItem *item = add(current(), 1000, 6000);
         QVERIFY(drag(item, 100, {}));
         press(Qt::Key_C, Qt::ControlModifier);
-        QCOMPARE(clip()->formats(), QStringList(type));
         QCOMPARE(clip()->data(type), item->itemData);
         Timeline *above = addTrack();
         press(Qt::Key_V, Qt::ControlModifier);
@@ -174,6 +171,7 @@ private slots:
         addTrack();
         head->setIndicatorX(150, true);
         QVERIFY(window->previewItem == nullptr && ui->NEW_radio->isChecked());
+        QCOMPARE(QColor(ui->GLWidget->pixelAt(0, 0)), QColor(Qt::black));
     }
 
     void doubleClickOnAPatternJumpsToIt()
@@ -240,12 +238,11 @@ private slots:
             turnWheel(current(), delta);
             QCOMPARE(ui->timeline_scaler->value(), value);
         }
-        const int before = bar->value();
         QTest::keyPress(window->windowHandle(), Qt::Key_A, Qt::ControlModifier); // the last key counts, no modifier
+        bar->setValue(400);
         turnWheel(current(), -120);
-        QCOMPARE(bar->value(), before + 40);
+        QCOMPARE(bar->value(), 440);
         QTest::keyRelease(window->windowHandle(), Qt::Key_A);
-        QCOMPARE(ui->timeline_scroll->heldKey, 0);
     }
 
     void theViewFollowsTheHeadAndNoKey()
