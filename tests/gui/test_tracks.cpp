@@ -260,12 +260,13 @@ private slots:
             window->on_timeline_add_clicked();
         QScrollBar *rowsBar = ui->timeline_scroll_2->verticalScrollBar();
         QTRY_VERIFY(rowsBar->maximum() > 0);
-        rows().last()->setFocus();
+        rows().first()->setFocus();
         for (const Qt::Key key : {Qt::Key_Right, Qt::Key_Left, Qt::Key_Down, Qt::Key_PageDown, Qt::Key_Tab}) {
             press(key);
             QCOMPARE(rowsBar->value(), 0);
             QCOMPARE(bar->value(), 5000 - view / 2);
         }
+        QCOMPARE(QApplication::focusWidget(), rows().at(1)); // the tab key goes from the top down
     }
 
     void lengthOfTheShow()
