@@ -143,6 +143,7 @@ private slots:
         QVERIFY2(told.contains("title=Glowsmith - show.gsw3   patterns=3 leds=55"), qPrintable(told));
         QVERIFY2(told.contains("after cancel=open"), qPrintable(told));
         QVERIFY(env->value("window/size").isValid());
+        QCOMPARE(env->value("window/maximize").toString(), QString("false"));
         QCOMPARE(env->value("main/currentfile").toString(), path);
         QVERIFY(QFileInfo(path).lastModified() > before);
     }

@@ -52,6 +52,7 @@ private slots:
         for (QAction *action : {ui->actionChinese, ui->actionEnglish}) {
             driver.answerBox(QMessageBox::Ok);
             action->trigger();
+            QCOMPARE(env->value("main/language").toInt(), action == ui->actionChinese ? 1 : 2);
         }
         QVERIFY(driver.done());
         QCOMPARE(driver.boxes().last().text, QString("Change after restart."));
@@ -110,6 +111,8 @@ private slots:
         QVERIFY(window->currentItem == nullptr && window->previewItem == nullptr && ui->NEW_radio->isChecked());
         QVERIFY(ui->Mode_t1->time() == QTime(0, 0) && ui->Mode_t2->time() == QTime(0, 0, 5));
         QCOMPARE(window->windowTitle(), QString("Glowsmith"));
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        QCOMPARE(window->findChildren<Timeline *>().size(), 1);
     }
 
     void firstDroppedFileCounts()
