@@ -74,6 +74,15 @@ private slots:
         QVERIFY(showsIcon("play.png") && !clockRuns());
         verifyPlace(0);
         QCOMPARE(moved, (QList<QVariantList>{{0, false}}));
+
+        // The clock runs on beyond the end of the show.
+        ui->timeline_max->setTime(QTime(0, 0, 0, 100));
+        ui->Song_Slider->setMaximum(100);
+        ui->Song_play_2->trigger();
+        QTRY_VERIFY(shown() > 200);
+        QVERIFY(clockRuns());
+        QCOMPARE(ui->Song_Slider->value(), 100);
+        QVERIFY(playHead()->x() > ui->timeline_headers->width());
     }
 
     // Whatever has the focus: a key that a button and an action both hold would be ambiguous, and then neither answers.
