@@ -127,6 +127,31 @@ private slots:
         QCOMPARE(keptFiles(), 0);
     }
 
+    void failedSaveKeepsTheCopyAndTheMark()
+    {
+        addColour();
+        QCOMPARE(kept(), 1);
+        const auto saveFails = [this](const QString &path, bool saysSo) {
+            window->currentFile = path;
+            window->setWindowTitle("Glowsmith - a.gsw3 *");
+            DialogDriver driver;
+            if (saysSo) {
+                driver.answerBox(QMessageBox::Ok);
+            }
+            window->on_actionSave_triggered();
+            QVERIFY(driver.done());
+            QVERIFY(window->recovery->hasUnsaved());
+            QCOMPARE(kept(), 1);
+            QVERIFY(window->windowTitle().endsWith('*'));
+        };
+        window->hasFile = true;
+        saveFails(env->path("no/such/folder.gsw3"), false);
+#ifdef Q_OS_UNIX
+        const SmallDisk disk(100);
+        saveFails(env->path("mine.gsw3"), true);
+#endif
+    }
+
     // Saving without a name saves nothing: what nobody has looked at yet is kept.
     void closingDecides()
     {
