@@ -269,9 +269,8 @@ private slots:
         QCOMPARE(prop.pixelAt(28799999, 0), red);
         QCOMPARE(prop.pixelAt(28800000, 0), green);
         QCOMPARE(prop.pixelAt(57599999, 39), green);
-        QCOMPARE(prop.pixelAt(57599999, 40), red);
         QCOMPARE(prop.pixelAt(86399999, 40), green);
-        prop.stepCount = 57599999; // a seek to two thirds
+        prop.stepCount = 57599999; // a seek
         prop.stepOrigin = 0;
         run(prop, 1);
         QCOMPARE(onStrip(prop), green);

@@ -112,7 +112,6 @@ private slots:
     void flips()
     {
         const QImage plain = written(QStringLiteral("F")).image;
-        QVERIFY(plain != plain.mirrored(true, false) && plain != plain.mirrored(false, true));
         for (const auto &[flipH, flipV] : {qMakePair(true, false), qMakePair(false, true), qMakePair(true, true)}) {
             QCOMPARE(rendered(quarters(160, 160), 80, 0, flipH, flipV).image,
                      quarters(200, 200).mirrored(flipH, flipV));
@@ -181,12 +180,14 @@ private slots:
         QCOMPARE(glow::textBox(480, 2000000, 9, 20), QSize(-589884, 480));
         QCOMPARE(glow::textBox(480, 1000, -1, 5), QSize(150, 4800)); // no row selected
 
-        QCOMPARE(glow::textImageSize({30000, 480}), QSize(30000, 480));
-        QCOMPARE(glow::textImageSize({65534, 480}), QSize(32767, 240));  // to the painter's reach
-        QCOMPARE(glow::textImageSize({16000, 4000}), QSize(8000, 2000)); // to the pixels
-        QCOMPARE(glow::textImageSize({131068, 480}), QSize(32767, 120)); // the longest
-        for (const QSize &box : {QSize(132000, 480), QSize(-589884, 480), QSize(50, 0)}) {
-            QCOMPARE(glow::textImageSize(box), QSize());
+        const QPair<QSize, QSize> drawn[] = {
+            {{65534, 480}, {32767, 240}},                                       // to the painter's reach
+            {{16000, 4000}, {8000, 2000}},                                      // to the pixels
+            {{131068, 480}, {32767, 120}},                                      // the longest
+            {{132000, 480}, {}},           {{-589884, 480}, {}}, {{50, 0}, {}}, // no font
+        };
+        for (const auto &[box, size] : drawn) {
+            QCOMPARE(glow::textImageSize(box), size);
         }
     }
 
