@@ -87,7 +87,7 @@ struct EffectModel
         if (mode != 0 || third == 0) {
             now = part(third);
         } else if (third == 1) {
-            now = (front + back) / 2;
+            now = std::floor((front + back) / 2.0);
         }
         for (int edge = 0; settings.row == 3 && edge <= 300; edge += 100) {
             for (int i = 0; i < strips; ++i) {
@@ -146,7 +146,8 @@ struct EffectModel
     // A part's hue is 1.4 times a channel of the front colour without its fraction, in integers.
     double part(int index) const
     {
-        return mode == 0 ? front : hue((channelOf(settings.front.rgb(), index) + 85 * index) % 256 * 14 / 10);
+        const int degrees = (channelOf(settings.front.rgb(), index) + 85 * index) % 256 * 14 / 10;
+        return mode == 0 ? front : hue(degrees);
     }
     int fade(int index) const { return 255 - 255 * index / strips; }
 

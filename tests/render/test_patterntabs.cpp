@@ -299,7 +299,7 @@ private:
     // A file, red in the left half, black above blue in the right.
     QString file(const QString &name, const QSize &size = QSize(200, 100)) const
     {
-        const QString path = env->path(name);
+        QString path = env->path(name);
         const auto colour = [&](int x, int y) {
             return x < (size.width() + 1) / 2 ? red : y < size.height() / 2 ? black : blue;
         };
