@@ -1,6 +1,6 @@
 #include "bench.h"
 
-#include "device/deviceimage.h"
+#include "show/image/deviceimage.h"
 
 #include <QFile>
 #include <QImage>

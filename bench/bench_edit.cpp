@@ -2,8 +2,8 @@
 #include "bench.h"
 
 #include "app/mainwindow.h"
-#include "app/patternrecord.h"
-#include "app/projectfile.h"
+#include "show/model/patternrecord.h"
+#include "show/model/projectfile.h"
 #include "timeline/indicator.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineheaders.h"

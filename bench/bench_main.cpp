@@ -3,7 +3,7 @@
 #include "bench.h"
 
 #include "forms/style.h"
-#include "resources/resources.h"
+#include "show/base/resources.h"
 
 #include <QApplication>
 #include <QDir>

@@ -3,7 +3,7 @@
 
 #include "app/mainwindow.h"
 #include "preview/mygl.h"
-#include "render/effectimage.h"
+#include "show/draw/effectimage.h"
 #include "ui_mainwindow.h"
 
 #include <QCoreApplication>

@@ -1,9 +1,9 @@
 // Composes the sample show through the window's own controls and saves it as examples/sample.gsw3. The pictures are
 // named by paths relative to the project's root, so that they are found wherever the project lies.
 #include "app/mainwindow.h"
-#include "app/patternrecord.h"
 #include "forms/style.h"
-#include "resources/resources.h"
+#include "show/base/resources.h"
+#include "show/model/patternrecord.h"
 #include "timeline/timeline.h"
 #include "ui_mainwindow.h"
 

@@ -1,19 +1,20 @@
 // The window's construction and its window-level events.
 #include "app/mainwindow.h"
 
-#include "app/appsettings.h"
-#include "app/propvalues.h"
 #include "app/recovery.h"
+#include "device/workerthread.h"
 #include "forms/connectbyname.h"
 #include "forms/style.h"
-#include "render/randomdraw.h"
-#include "resources/resources.h"
+#include "show/base/appsettings.h"
+#include "show/base/resources.h"
+#include "show/draw/randomdraw.h"
+#include "show/model/propvalues.h"
+#include "show/model/timescale.h"
 #include "song/chartview.h"
 #include "song/mytime.h"
 #include "timeline/mylabel.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineitem.h"
-#include "timeline/timescale.h"
 #include "ui_mainwindow.h"
 
 #include <QActionGroup>
@@ -129,6 +130,11 @@ MainWindow::~MainWindow()
     // Player and decoders end with notifications of their own, which must not reach a window without its form.
     for (QMediaObject *media : findChildren<QMediaObject *>()) {
         media->disconnect(this);
+    }
+    // The thread must not outlive the application object. A killed one is never deleted: its port stays open.
+    if (uploadThread != nullptr) {
+        uploadThread->kill();
+        uploadThread->wait();
     }
     delete ui;
 }

@@ -4,9 +4,10 @@
 #pragma once
 
 #include "app/edithistory.h"
-#include "app/gadgetcatalogue.h"
-#include "app/patternrecord.h"
-#include "app/settingstext.h"
+#include "show/model/gadgetcatalogue.h"
+#include "show/model/patternrecord.h"
+#include "show/model/settingstext.h"
+#include "show/wire/portscan.h"
 
 #include <QAudioDecoder>
 #include <QColor>
@@ -16,6 +17,7 @@
 #include <QPixmap>
 #include <QPointF>
 #include <QString>
+#include <QStringList>
 #include <QTime>
 #include <QVector>
 #include <QtCharts/QLineSeries>
@@ -80,6 +82,7 @@ public:
     double waveMax = 0; // largest absolute y of waveSamples
 
     WorkerThread *uploadThread = nullptr; // null whenever no upload is under way
+    int propWaitMs = glow::propWaitMs;    // how long a prop may take to speak, milliseconds
 
     Recovery *recovery = nullptr; // keeps a copy of the unsaved show; null where nothing is to be kept
 
@@ -97,6 +100,18 @@ public:
 
     // Counts the pictures whose files are gone and offers a search. 1 if nothing is lost, else 0.
     int scanMissingPictures();
+
+    // What the folders ask of each other's widgets (each in the mainwindow_*.cpp of the folder that owns the widget).
+    bool isTrackEmpty() const;                     // the current track holds no pattern
+    QVector<glow::PatternRecord> sortedPatterns(); // the current track's patterns, put into start-time order first
+    QStringList settingsTexts() const;             // of all patterns of all tracks
+    void rewriteSettings(const std::function<QString(const QString &)> &rewrite); // of all patterns of all tracks
+    QTime headTime() const;                                                       // of the play-head
+    void setHeadTime(const QTime &time);                                          // as the clock moves it
+    int startMarkMs() const;           // show time of the start mark, 0 when none
+    void seekClock(const QTime &time); // the player, or the silent clock of a show without a song
+    void seekPreview(float share);     // the preview's step at that share of the pattern that it shows
+    void resizeWave();                 // the waveform at the present zoom and height
 
     // Writes the frame data and the show header of the current track into the working directory; leaves the preview
     // disabled. The track should hold at least one item.
@@ -281,7 +296,7 @@ public:
     void previewInEditor(const QPixmap &pixmap);
 
     // The preview of a pattern that stands on a track.
-    void previewPattern(const TimelineItem *item, double seconds);
+    void previewPattern(const glow::PatternRecord &pattern, double seconds);
 
     // Label numbers and rows: the bottom row is 1, every label stands in its track's row.
     void renumberTracks();
@@ -303,9 +318,13 @@ private:
     void endDecode();
     void forgetDecode();
     void rewindSong();
+    void followPattern(TimelineItem *item, const QTime &time);
+    void keepHeadInView();
 
     bool decoding = false;      // audioDecoder is at work: neither finished, failed nor cancelled
     bool readScheduled = false; // a further turn of readAudioBuffer is on its way
+
+    static bool isCancelledUpload(const QObject *caller);
 
     void buildGadgetMenu();
     // The panel's present state as a pattern; false if its tab has no picture.

@@ -1,15 +1,15 @@
 // The pattern panel: its fields keep each other in step, and a pattern goes from here onto the current track.
 #include "app/mainwindow.h"
 
-#include "app/propvalues.h"
-#include "app/repeatrules.h"
-#include "app/settingstext.h"
+#include "show/base/numbers.h"
+#include "show/model/propvalues.h"
+#include "show/model/repeatrules.h"
+#include "show/model/settingstext.h"
 #include "song/mytime.h"
 #include "timeline/indicator.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineheaders.h"
 #include "timeline/timelineitem.h"
-#include "timeline/timescale.h"
 #include "ui_mainwindow.h"
 
 #include <QFile>

@@ -1,8 +1,8 @@
 // The document as a whole: new, load, files dropped on the window, the language for the next start.
 #include "app/mainwindow.h"
 
-#include "app/appsettings.h"
 #include "app/recovery.h"
+#include "show/base/appsettings.h"
 #include "timeline/mylabel.h"
 #include "timeline/timeline.h"
 #include "ui_mainwindow.h"

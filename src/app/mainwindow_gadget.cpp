@@ -1,10 +1,10 @@
 // The choice of the prop: the menu of the catalogue and the two numbers that everything else is made for.
 #include "app/mainwindow.h"
 
-#include "app/appsettings.h"
-#include "app/propvalues.h"
 #include "preview/mygl.h"
-#include "timeline/timescale.h"
+#include "show/base/appsettings.h"
+#include "show/base/numbers.h"
+#include "show/model/propvalues.h"
 #include "ui_mainwindow.h"
 
 #include <QActionGroup>

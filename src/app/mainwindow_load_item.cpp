@@ -1,7 +1,7 @@
 // A pattern's way back into the panel.
 #include "app/mainwindow.h"
 
-#include "app/settingstext.h"
+#include "show/model/settingstext.h"
 #include "timeline/timelineitem.h"
 #include "ui_mainwindow.h"
 

@@ -1,7 +1,7 @@
 #include "app/recovery.h"
 
 #include "app/mainwindow.h"
-#include "app/wholefile.h"
+#include "show/base/wholefile.h"
 
 #include <QFile>
 #include <QRunnable>

@@ -3,8 +3,8 @@
 // shared. The writing happens on another thread.
 #pragma once
 
-#include "app/projectfile.h"
-#include "app/recoverystore.h"
+#include "show/model/projectfile.h"
+#include "show/model/recoverystore.h"
 
 #include <QObject>
 #include <QTimer>

@@ -1,12 +1,12 @@
 #include "app/startup.h"
 
-#include "app/appsettings.h"
 #include "app/mainwindow.h"
-#include "app/programversion.h"
 #include "app/recovery.h"
 #include "forms/style.h"
 #include "library/about.h"
-#include "resources/resources.h"
+#include "show/base/appsettings.h"
+#include "show/base/programversion.h"
+#include "show/base/resources.h"
 
 #include <QApplication>
 #include <QIcon>

@@ -1,13 +1,11 @@
 // The current track as the prop's data: the two temporary files that an upload sends, and the ".bin" file.
 #include "app/mainwindow.h"
 
-#include "app/propvalues.h"
-#include "device/binfile.h"
-#include "device/deviceimage.h"
-#include "timeline/timeline.h"
-#include "timeline/timelineheaders.h"
-#include "timeline/timelineitem.h"
-#include "timeline/timescale.h"
+#include "show/image/binfile.h"
+#include "show/image/deviceimage.h"
+#include "show/image/imagefiles.h"
+#include "show/model/propvalues.h"
+#include "show/model/timescale.h"
 #include "ui_mainwindow.h"
 
 #include <QDir>
@@ -18,12 +16,11 @@
 void MainWindow::buildDeviceImage()
 {
     ui->GLWidget->setEnabled(false); // until the export or the upload has ended
-    QFile frameData(QStringLiteral("extemp.tmp"));
-    QFile header(QStringLiteral("extemp2.tmp"));
+    QFile frameData(glow::frameDataFile());
+    QFile header(glow::headerFile());
     frameData.open(QIODevice::WriteOnly);
     header.open(QIODevice::WriteOnly);
 
-    currentTimeline->sortItems();
     glow::DeviceShow show;
     show.ledCount = ledCount;
     show.frameRate = frameRate;
@@ -31,9 +28,9 @@ void MainWindow::buildDeviceImage()
     show.rateShown = ui->FPS_V->value();
     show.slot = ui->prop_track->currentIndex() + 1;
     show.loop = ui->AutoRepeat->isChecked();
-    show.startMarkMs = glow::timeOfPixel(ui->timeline_headers->startMarkX);
-    for (const TimelineItem *item : qAsConst(currentTimeline->items)) {
-        show.patterns.append(glow::showPattern(*item));
+    show.startMarkMs = startMarkMs();
+    for (const glow::PatternRecord &pattern : sortedPatterns()) {
+        show.patterns.append(glow::showPattern(pattern));
     }
     glow::writeDeviceImage(show, frameData, header, [this](int percent) {
         ui->progressBar->setValue(percent);
@@ -44,7 +41,7 @@ void MainWindow::buildDeviceImage()
 void MainWindow::on_Ex_Button_clicked()
 {
     scanMissingPictures(); // for information: the export works from the thumbnails
-    if (currentTimeline->items.isEmpty()) {
+    if (isTrackEmpty()) {
         // Nothing to pack; the same answer as an upload's.
         QMessageBox::warning(this, tr("無可上傳圖樣"), tr("請選擇正確之時間軸"), QMessageBox::Ok,
                              QMessageBox::NoButton);
@@ -63,8 +60,8 @@ void MainWindow::on_Ex_Button_clicked()
     currentFile = path;
     {
         QFile out(path);
-        QFile header(QStringLiteral("extemp2.tmp"));
-        QFile frameData(QStringLiteral("extemp.tmp"));
+        QFile header(glow::headerFile());
+        QFile frameData(glow::frameDataFile());
         out.open(QIODevice::WriteOnly);
         header.open(QIODevice::ReadOnly);
         frameData.open(QIODevice::ReadOnly);

@@ -3,10 +3,10 @@
 #include "app/mainwindow.h"
 
 #include "device/pass.h"
-#include "device/portnames.h"
-#include "device/portscan.h"
 #include "device/setup.h"
-#include "device/wipe.h"
+#include "show/wire/portnames.h"
+#include "show/wire/portscan.h"
+#include "show/wire/wipe.h"
 
 #include <QDir>
 #include <QEventLoop>
@@ -51,6 +51,7 @@ void MainWindow::on_actionFormat_triggered()
     QSerialPort *port = maintenancePort(this);
     int number = 0;
     glow::ScanRules rules;
+    rules.waitMs = propWaitMs;
     rules.accepts = [](const QString &text) { return text.contains(QLatin1String("Wait")); };
     if (glow::scanPorts(*port, number, rules) == glow::ScanResult::NoneOpen) {
         QMessageBox::warning(this, QString(), tr("偵測不到裝置！"), QMessageBox::Ok);
@@ -78,6 +79,7 @@ void MainWindow::updatesystem()
     QSerialPort *port = maintenancePort(this);
     int number = 0;
     glow::ScanRules rules;
+    rules.waitMs = propWaitMs;
     rules.accepts = [](const QString &) { return true; };
     const glow::ScanResult result = glow::scanPorts(*port, number, rules);
     if (result == glow::ScanResult::NoneOpen) {
@@ -101,7 +103,7 @@ void MainWindow::on_action_admin_triggered()
         return;
     }
     paintBeforeWaiting(this);
-    setup terminal(nullptr);
+    setup terminal(nullptr, propWaitMs);
     terminal.setWindowIcon(windowIcon());
     terminal.exec();
 }

@@ -1,9 +1,8 @@
 // The upload button, which starts an upload or cancels the running one, and what it shows of the thread's reports.
 #include "app/mainwindow.h"
 
-#include "device/portnames.h"
 #include "device/workerthread.h"
-#include "timeline/timeline.h"
+#include "show/wire/portnames.h"
 #include "ui_mainwindow.h"
 
 #include <QMessageBox>
@@ -15,18 +14,18 @@ void MainWindow::on_UPload_Button_clicked()
         emit Upload_Cancel_Clicked();
         ui->UPload_Button->setText(tr("上傳至道具"));
         ui->progressBar->setValue(0);
-        // What the thread reported just before its end may still arrive while the box is up.
         QMessageBox::warning(this, tr("已取消上傳"), tr("已取消上傳"), QMessageBox::Ok, QMessageBox::NoButton);
         disconnect(this, nullptr, cancelled, nullptr);
         uploadThread = nullptr; // the object lives on: its port and files are never closed
         return;
     }
-    if (currentTimeline->items.isEmpty()) {
+    if (isTrackEmpty()) {
         QMessageBox::warning(this, tr("無可上傳圖樣"), tr("請選擇正確之時間軸"), QMessageBox::Ok,
                              QMessageBox::NoButton);
         return;
     }
     uploadThread = new WorkerThread;
+    uploadThread->waitMs = propWaitMs;
     connect(uploadThread, &WorkerThread::progress, this, &MainWindow::mySlot);
     connect(uploadThread, &WorkerThread::expmess, this, &MainWindow::warnex);
     connect(uploadThread, &WorkerThread::finish, this, &MainWindow::finishup);
@@ -43,8 +42,18 @@ void MainWindow::on_actionUpload_triggered()
     on_UPload_Button_clicked();
 }
 
+// What a cancelled thread reported just before its end may still arrive: the window has taken its leave of it.
+bool MainWindow::isCancelledUpload(const QObject *caller)
+{
+    const auto *thread = qobject_cast<const WorkerThread *>(caller);
+    return thread != nullptr && thread->wasKilled();
+}
+
 void MainWindow::mySlot(int arg1, int arg2)
 {
+    if (isCancelledUpload(sender())) {
+        return;
+    }
     ui->statusBar->showMessage(glow::portLabel(arg2) + tr(" 輸出中 ") + QString::number(arg1) + QLatin1Char('%'));
     ui->progressBar->setValue(arg1);
     update();
@@ -52,6 +61,9 @@ void MainWindow::mySlot(int arg1, int arg2)
 
 void MainWindow::warnex(const QString &str)
 {
+    if (isCancelledUpload(sender())) {
+        return;
+    }
     ui->GLWidget->setEnabled(true);
     ui->Ex_Button->setEnabled(true);
     ui->UPload_Button->setText(tr("上傳至道具"));
@@ -61,6 +73,9 @@ void MainWindow::warnex(const QString &str)
 
 void MainWindow::finishup()
 {
+    if (isCancelledUpload(sender())) {
+        return;
+    }
     ui->GLWidget->setEnabled(true);
     ui->Ex_Button->setEnabled(true);
     ui->UPload_Button->setText(tr("上傳至道具"));
@@ -70,5 +85,7 @@ void MainWindow::finishup()
 
 void MainWindow::terminateup()
 {
-    uploadThread = nullptr;
+    if (!isCancelledUpload(sender())) {
+        uploadThread = nullptr;
+    }
 }

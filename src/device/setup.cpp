@@ -1,8 +1,8 @@
 #include "device/setup.h"
 
-#include "device/portnames.h"
-#include "device/portscan.h"
 #include "forms/style.h"
+#include "show/wire/portnames.h"
+#include "show/wire/portscan.h"
 #include "ui_setup.h"
 
 #include <QDebug>
@@ -47,7 +47,7 @@ void removeFrom(QTextDocument *document, int position, int count)
 
 } // namespace
 
-setup::setup(QWidget *parent)
+setup::setup(QWidget *parent, int waitMs)
     : QDialog(parent)
     , ui(new Ui::setup)
     , decoder(QTextCodec::codecForName("UTF-8")->makeDecoder())
@@ -61,7 +61,7 @@ setup::setup(QWidget *parent)
     pause.setSingleShot(true);
     connect(&pause, &QTimer::timeout, this, &setup::showPending);
     ui->COMMAND->setFocus();
-    search();
+    search(waitMs);
 }
 
 setup::~setup()
@@ -69,7 +69,7 @@ setup::~setup()
     delete ui;
 }
 
-void setup::search()
+void setup::search(int waitMs)
 {
     ui->MONITOR->insertPlainText(tr("連線中..."));
     serial = new QSerialPort(this);
@@ -77,6 +77,7 @@ void setup::search()
     update();
 
     glow::ScanRules rules;
+    rules.waitMs = waitMs;
     rules.accepts = [](const QString &text) {
         qDebug() << text;
         return true;

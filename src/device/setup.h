@@ -2,6 +2,8 @@
 // up to five seconds a silent port; without a prop it opens all the same and is of no use.
 #pragma once
 
+#include "show/wire/portscan.h"
+
 #include <QDialog>
 #include <QElapsedTimer>
 #include <QString>
@@ -21,7 +23,7 @@ class setup : public QDialog
     Q_OBJECT
 
 public:
-    explicit setup(QWidget *parent);
+    explicit setup(QWidget *parent, int waitMs = glow::propWaitMs);
     ~setup() override;
 
     qint32 portNumber = 0;         // the port's number, as of the name last tried
@@ -44,7 +46,7 @@ public:
     static constexpr int lineLimit = 20000;
 
 private:
-    void search();
+    void search(int waitMs);
     void showPending();
 
     std::unique_ptr<QTextDecoder> decoder; // UTF-8; a character may come in two pieces

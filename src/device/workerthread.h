@@ -1,25 +1,23 @@
-// The upload: finds the prop and sends it the two files of the device image (extemp2.tmp, extemp.tmp in the working
-// directory), all in blocking calls on this thread, which runs no event loop and reports by signals.
-//
-//   prop   a greeting, any text, once DTR is up           5 s, else the next port
-//   host   the track byte
-//   prop   a reply; text that contains ERR refuses        5 s
-//   host   the header from offset 1, without its last two bytes (the cut is part of the protocol)
-//   host   the frame data in pieces of 2048 bytes, 10 ms apart
-//   prop   a closing reply, any bytes                     no limit
-//
-// There are no lengths, checksums or retries: the prop finds the end by the data's own markers.
+// The upload on a thread of its own: the protocol (show/wire/upload.h) with the two files of the device image
+// (extemp2.tmp, extemp.tmp in the working directory). The thread runs no event loop and reports by signals.
 #pragma once
+
+#include "show/wire/portscan.h"
 
 #include <QMutex>
 #include <QThread>
 #include <QWaitCondition>
 
 #include <atomic>
+#include <functional>
 #include <memory>
 
 class QFile;
 class QSerialPort;
+
+namespace glow {
+struct UploadHooks;
+}
 
 class WorkerThread : public QThread
 {
@@ -33,12 +31,19 @@ public:
     QSerialPort *serial = nullptr; // made by findDevice on the worker thread
     quint8 uploadOk = 0;           // set only when the whole exchange has ended normally
 
+    int waitMs = glow::propWaitMs; // how long the prop may take to speak, milliseconds; to be set before start()
+
     // True when serial is open on a port whose device has spoken.
     bool findDevice();
 
+    // What a killed thread reported before it was killed may still be on its way.
+    bool wasKilled() const { return killed; }
+
 signals:
-    void progress(int percent, int port);
-    void expmess(QString str);
+    // All are emitted on the worker thread, in this order: progress as often as there are pieces, then either a last
+    // progress of 100 and finish, or at most one expmess and terminated.
+    void progress(int percent, int port); // port: its number, see show/wire/portnames.h
+    void expmess(QString str);            // why there is no upload, for the user
     void finish();
     void terminated();
 
@@ -46,22 +51,19 @@ public slots:
     void upload();
 
     // QThread::terminate, made safe at both ends: a thread that was just started is ended for certain, one that has
-    // ended already is left alone. The thread ends within a few hundredths of a second, without a word and wherever it
-    // stands in the exchange: port and files stay open.
+    // ended already is left alone. When this returns the thread stands still (unless the system has kept it in one call
+    // for more than a second): no byte is sent and nothing emitted any more. Port and files stay open.
     void kill();
 
 protected:
     void run() override;
 
 private:
-    enum class Phase { NotBegun, Running, Ended };
+    enum class Phase { NotBegun, Running, Standing, Ended };
 
-    void exchange();
-    void fail(const char *log, const QString &message);
-    bool sendHeader();
-    void sendFrames();
-    bool waitForData(int ms);
-    void waitUntilSent();
+    glow::UploadHooks hooks();
+    void fail(const QString &message);
+    void report(const std::function<void()> &emission);
     void endHereIfKilled();
     [[noreturn]] void endHere();
 
@@ -69,8 +71,8 @@ private:
     std::unique_ptr<QFile> header;
     std::unique_ptr<QFile> frameData;
 
-    QMutex gate;
-    QWaitCondition begun;
+    QMutex gate; // guards phase, and what is emitted against kill()
+    QWaitCondition phaseChanged;
     Phase phase = Phase::NotBegun;
     std::atomic<bool> killed{false};
 };

@@ -1,6 +1,6 @@
 #include "forms/style.h"
 
-#include "resources/resources.h"
+#include "show/base/resources.h"
 
 #include <QAbstractButton>
 #include <QApplication>

@@ -1,11 +1,11 @@
 #include "library/about.h"
 
-#include "app/appsettings.h"
-#include "app/installation.h"
-#include "app/programversion.h"
 #include "forms/style.h"
-#include "library/updatereply.h"
-#include "resources/resources.h"
+#include "show/base/appsettings.h"
+#include "show/base/installation.h"
+#include "show/base/programversion.h"
+#include "show/base/resources.h"
+#include "show/base/updatereply.h"
 #include "ui_about.h"
 
 #include <QDebug>

@@ -1,30 +1,18 @@
 // The source pictures of the show: finding those that moved, gathering them in one folder. And the about box.
 #include "app/mainwindow.h"
 
-#include "app/settingstext.h"
 #include "library/about.h"
-#include "library/missingpictures.h"
-#include "timeline/timeline.h"
-#include "timeline/timelineitem.h"
+#include "show/model/missingpictures.h"
+#include "show/model/settingstext.h"
 #include "ui_about.h"
 
-#include <QDebug>
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QMessageBox>
 
-namespace {
+#include <algorithm>
 
-QVector<TimelineItem *> allItems(const MainWindow &window)
-{
-    QVector<TimelineItem *> items;
-    for (const Timeline *track : window.timelines) {
-        for (TimelineItem *item : track->items) {
-            items.append(item);
-        }
-    }
-    return items;
-}
+namespace {
 
 // picPath often names a file; a directory dialog that starts with a file chosen could not be accepted.
 QString startDirectory(const QString &picPath)
@@ -37,10 +25,8 @@ QString startDirectory(const QString &picPath)
 
 int MainWindow::scanMissingPictures()
 {
-    int lost = 0;
-    for (const TimelineItem *item : allItems(*this)) {
-        lost += glow::isPictureLost(item->settingsText) ? 1 : 0;
-    }
+    const QStringList settings = settingsTexts();
+    const auto lost = std::count_if(settings.cbegin(), settings.cend(), glow::isPictureLost);
     if (lost == 0) {
         return 1;
     }
@@ -60,17 +46,11 @@ void MainWindow::on_actionDIR_triggered()
     if (directory.isEmpty()) {
         return;
     }
-    for (TimelineItem *item : allItems(*this)) {
-        if (!glow::isPictureLost(item->settingsText)) {
-            continue;
-        }
-        const QString found = glow::findPicture(directory, glow::lostPictureName(item->settingsText));
-        if (!found.isEmpty()) {
-            item->settingsText = glow::withPicturePath(item->settingsText, found);
-            qDebug() << glow::parseSettings(item->settingsText).fields;
-            item->updateData();
-        }
-    }
+    rewriteSettings([&directory](const QString &settings) {
+        const bool lost = glow::isPictureLost(settings);
+        const QString found = lost ? glow::findPicture(directory, glow::lostPictureName(settings)) : QString();
+        return found.isEmpty() ? settings : glow::withPicturePath(settings, found);
+    });
     scanMissingPictures();
     updateStatus();
 }
@@ -96,9 +76,10 @@ void MainWindow::on_actionSQL_triggered()
     if (directory.isEmpty()) {
         return;
     }
-    for (const TimelineItem *item : allItems(*this)) {
-        if (glow::namesPicture(item->settingsText)) {
-            glow::copyPicture(glow::parseSettings(item->settingsText).picturePath(), directory);
+    const QStringList all = settingsTexts();
+    for (const QString &settings : all) {
+        if (glow::namesPicture(settings)) {
+            glow::copyPicture(glow::parseSettings(settings).picturePath(), directory);
         }
     }
     QMessageBox::about(this, QString(), tr("圖庫匯出完成"));

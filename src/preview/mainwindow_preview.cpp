@@ -1,12 +1,13 @@
 // The window's ways to the preview: every pattern source ends here.
 #include "app/mainwindow.h"
-#include "app/propvalues.h"
 #include "preview/mygl.h"
-#include "timeline/timelineitem.h"
-#include "timeline/timescale.h"
+#include "show/base/numbers.h"
+#include "show/model/propvalues.h"
 #include "ui_mainwindow.h"
 
 #include <QPixmap>
+
+#include <cmath>
 
 namespace {
 
@@ -15,6 +16,14 @@ QPixmap filled(const QColor &color)
     QPixmap pixmap(80, 80);
     pixmap.fill(color);
     return pixmap;
+}
+
+// The step that belongs to a share of a pattern. A pattern without a length has no share; that is its beginning.
+qint64 stepAt(float share, qint32 columns, qint32 repeats)
+{
+    const float step = static_cast<float>(columns) * share * static_cast<float>(repeats);
+    constexpr float beyond = 9.2e18F;
+    return std::isfinite(step) && std::fabs(step) < beyond ? static_cast<qint64>(step) : 0;
 }
 
 } // namespace
@@ -41,14 +50,16 @@ void MainWindow::previewInEditor(const QPixmap &pixmap)
                              ui->Mode_last->value(), ui->Mode_loop->value());
 }
 
-void MainWindow::previewPattern(const TimelineItem *item, double seconds)
+void MainWindow::previewPattern(const glow::PatternRecord &pattern, double seconds)
 {
-    if (item == nullptr) {
-        Oviewer_change(0, 0, 0);
-        return;
-    }
-    ui->GLWidget->setPattern(item->thumbnail, static_cast<short>(ui->Leds->value()), glow::truncated(frameRate),
-                             seconds, item->repeatCount);
+    ui->GLWidget->setPattern(pattern.thumbnail, static_cast<short>(ui->Leds->value()), glow::truncated(frameRate),
+                             seconds, pattern.repeatCount);
+}
+
+void MainWindow::seekPreview(float share)
+{
+    ui->GLWidget->stepCount = stepAt(share, ui->GLWidget->columnCount, ui->GLWidget->patternRepeats);
+    ui->GLWidget->stepOrigin = 0;
 }
 
 void MainWindow::on_Oview_slide_valueChanged(int value)

@@ -5,7 +5,7 @@
 // same frames: a window with a visible OpenGL widget would not be painted at all there.
 #pragma once
 
-#include "preview/propsimulator.h"
+#include "show/draw/propsimulator.h"
 
 #include <QOpenGLFunctions>
 #include <QOpenGLWidget>

@@ -1,11 +1,11 @@
 // The effect tab: every control changes a parameter and draws the effect anew.
 #include "app/mainwindow.h"
 
-#include "app/propvalues.h"
-#include "app/repeatrules.h"
-#include "render/effectimage.h"
 #include "render/patternview.h"
-#include "render/randomdraw.h"
+#include "show/draw/effectimage.h"
+#include "show/draw/randomdraw.h"
+#include "show/model/propvalues.h"
+#include "show/model/repeatrules.h"
 #include "ui_mainwindow.h"
 
 #include <QColorDialog>

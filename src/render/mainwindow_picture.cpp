@@ -1,12 +1,12 @@
 // The picture tab: files and screen captures become the picture of a pattern.
 #include "app/mainwindow.h"
 
-#include "app/appsettings.h"
-#include "app/propvalues.h"
 #include "render/desktopgrab.h"
 #include "render/patternview.h"
-#include "render/picturechain.h"
 #include "render/screencapture.h"
+#include "show/base/appsettings.h"
+#include "show/draw/picturechain.h"
+#include "show/model/propvalues.h"
 #include "ui_mainwindow.h"
 
 #include <QDir>

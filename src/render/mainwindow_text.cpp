@@ -1,11 +1,11 @@
 // The text tab, and the colour tab, which shares its colours.
 #include "app/mainwindow.h"
 
-#include "app/propvalues.h"
-#include "app/repeatrules.h"
-#include "app/settingstext.h"
 #include "render/patternview.h"
 #include "render/textimage.h"
+#include "show/model/propvalues.h"
+#include "show/model/repeatrules.h"
+#include "show/model/settingstext.h"
 #include "ui_mainwindow.h"
 
 #include <QColorDialog>

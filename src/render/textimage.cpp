@@ -1,6 +1,6 @@
 #include "render/textimage.h"
 
-#include "preview/rasterops.h"
+#include "show/draw/rasterops.h"
 
 #include <QFont>
 #include <QFontMetrics>

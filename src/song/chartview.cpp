@@ -1,6 +1,7 @@
 #include "song/chartview.h"
 
-#include "timeline/timescale.h"
+#include "show/base/numbers.h"
+#include "show/model/timescale.h"
 
 #include <QMouseEvent>
 #include <QPaintEvent>

@@ -3,7 +3,7 @@
 // second.
 #pragma once
 
-#include "song/waveform.h"
+#include "show/draw/waveform.h"
 
 #include <QList>
 #include <QPointF>

@@ -2,10 +2,8 @@
 // play-head, whose moves take effect in on_timeline_headers_indicatorMoved.
 #include "app/mainwindow.h"
 
-#include "app/patternrecord.h"
+#include "show/model/showtime.h"
 #include "song/mytime.h"
-#include "timeline/indicator.h"
-#include "timeline/timelineheaders.h"
 #include "ui_mainwindow.h"
 
 #include <QDebug>
@@ -40,7 +38,7 @@ void MainWindow::on_Song_play_clicked()
         clock->stop();
         return;
     }
-    ui->Song_time->restartClock(ui->timeline_headers->indicator->indicatorTime);
+    ui->Song_time->restartClock(headTime());
     clock->start();
 }
 
@@ -61,7 +59,7 @@ void MainWindow::rewindSong()
         showPlaying(*ui, false);
     }
     ui->Song_Slider->setValue(0);
-    ui->timeline_headers->indicator->setIndicatorTime(QTime(0, 0), false);
+    setHeadTime(QTime(0, 0));
     ui->Song_time->setTime(QTime(0, 0));
 }
 
@@ -76,7 +74,7 @@ void MainWindow::positionChanged(qlonglong t)
     const int ms = static_cast<int>(t);
     ui->Song_Slider->setValue(ms);
     ui->Song_time->setTime(glow::timeOf(ms));
-    ui->timeline_headers->indicator->setIndicatorTime(glow::timeOf(ms), false);
+    setHeadTime(glow::timeOf(ms));
     player->blockSignals(false);
 }
 
@@ -84,7 +82,7 @@ void MainWindow::timerTimeout(qlonglong t)
 {
     const int ms = static_cast<int>(t);
     ui->Song_Slider->setValue(ms);
-    ui->timeline_headers->indicator->setIndicatorTime(glow::timeOf(ms), false);
+    setHeadTime(glow::timeOf(ms));
     player->blockSignals(false);
 }
 
@@ -121,3 +119,17 @@ void MainWindow::on_Song_rate_valueChanged(double arg1)
 }
 
 void MainWindow::on_Song_rec_clicked() {}
+
+void MainWindow::seekClock(const QTime &time)
+{
+    if (!hasSong()) {
+        ui->Song_time->restartClock(time);
+        return;
+    }
+    player->blockSignals(true);
+    player->setPosition(glow::msOf(time));
+    ui->Song_Slider->setValue(glow::msOf(time));
+    ui->Song_time->setTime(time);
+    setHeadTime(time);
+    player->blockSignals(false);
+}

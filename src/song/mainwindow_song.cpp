@@ -1,11 +1,11 @@
 // Reading a song: the player gets the file, and a decoder runs over all of it for the waveform.
 #include "app/mainwindow.h"
 
-#include "app/patternrecord.h"
+#include "show/draw/waveform.h"
+#include "show/model/showtime.h"
 #include "song/chartview.h"
 #include "song/mytime.h"
 #include "song/songformat.h"
-#include "song/waveform.h"
 #include "ui_mainwindow.h"
 
 #include <QAudioBuffer>
@@ -310,4 +310,9 @@ void MainWindow::on_Song_dir_linkHovered(const QString &link)
 {
     Q_UNUSED(link)
     ui->Song_dir->setText(player->media().request().url().toString());
+}
+
+void MainWindow::resizeWave()
+{
+    chartView->resizeToWave();
 }

@@ -1,6 +1,6 @@
 #include "song/mytime.h"
 
-#include "app/patternrecord.h"
+#include "show/model/showtime.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 #include "song/songformat.h"
 
-#include "song/waveform.h"
+#include "show/draw/waveform.h"
 
 #include <QAudioBuffer>
 #include <QSysInfo>

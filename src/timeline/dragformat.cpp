@@ -1,7 +1,6 @@
 #include "timeline/dragformat.h"
 
 #include <QClipboard>
-#include <QDataStream>
 #include <QGuiApplication>
 #include <QMimeData>
 
@@ -11,22 +10,6 @@ const QString mimeItem = QStringLiteral("timeline/item");
 const QString mimeLeftEdge = QStringLiteral("timeline/itemleft");
 const QString mimeRightEdge = QStringLiteral("timeline/itemright");
 const QString mimePattern = QStringLiteral("timeline/itemByteArray");
-
-QByteArray writeDragHeader(const DragHeader &header)
-{
-    QByteArray bytes;
-    QDataStream stream(&bytes, QIODevice::WriteOnly);
-    stream << header.itemX << header.grabX << header.itemId;
-    return bytes;
-}
-
-DragHeader readDragHeader(const QByteArray &bytes)
-{
-    DragHeader header;
-    QDataStream stream(bytes);
-    stream >> header.itemX >> header.grabX >> header.itemId;
-    return header;
-}
 
 bool clipboardHasPattern()
 {

@@ -1,7 +1,7 @@
 #include "timeline/indicator.h"
 
-#include "app/patternrecord.h"
-#include "timeline/timescale.h"
+#include "show/model/showtime.h"
+#include "show/model/timescale.h"
 
 #include <QPainter>
 

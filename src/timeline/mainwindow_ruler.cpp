@@ -1,21 +1,16 @@
 // The ruler's length, the zoom, scrolling, and what a move of the play-head brings about.
 #include "app/mainwindow.h"
 
-#include "preview/mygl.h"
-#include "song/chartview.h"
-#include "song/mytime.h"
+#include "show/model/timescale.h"
 #include "timeline/indicator.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineheaders.h"
 #include "timeline/timelineitem.h"
-#include "timeline/timescale.h"
 #include "ui_mainwindow.h"
 
 #include <QCoreApplication>
 #include <QDebug>
 #include <QScrollBar>
-
-#include <cmath>
 
 namespace {
 
@@ -26,14 +21,6 @@ void settleScrollRange(Ui::MainWindow &ui)
     ui.timeline_layout_out->layout()->activate();
     QEvent request(QEvent::LayoutRequest);
     QCoreApplication::sendEvent(ui.timeline_scroll, &request);
-}
-
-// The step that belongs to a share of a pattern. A pattern without a length has no share; that is its beginning.
-qint64 stepAt(float share, qint32 columns, qint32 repeats)
-{
-    const float step = static_cast<float>(columns) * share * static_cast<float>(repeats);
-    constexpr float beyond = 9.2e18F;
-    return std::isfinite(step) && std::fabs(step) < beyond ? static_cast<qint64>(step) : 0;
 }
 
 } // namespace
@@ -49,7 +36,7 @@ void MainWindow::on_timeline_scaler_valueChanged(int value)
     for (Timeline *track : qAsConst(timelines)) {
         emit track->timelineMultiUpdated();
     }
-    chartView->resizeToWave();
+    resizeWave();
     qDebug() << "tack: " << tickMs / msPerPixel;
 }
 
@@ -69,7 +56,7 @@ void MainWindow::on_timeline_splitter_splitterMoved(int pos, int index)
 {
     Q_UNUSED(index)
     ui->audio_spacer->setFixedHeight(qMax(0, 1 - pos + ui->timeline_splitter->height()));
-    chartView->resizeToWave();
+    resizeWave();
 }
 
 bool MainWindow::eventFilter(QObject *watched, QEvent *event)
@@ -98,44 +85,60 @@ void MainWindow::timeline_vertical_scroll_changed(int min, int max)
 
 void MainWindow::on_timeline_headers_indicatorMoved(int x, bool user)
 {
-    Indicator *head = ui->timeline_headers->indicator;
-    const int t = qMax(0, glow::msOf(head->indicatorTime));
+    const int t = qMax(0, glow::msOf(headTime())); // left of the ruler the time is below zero for a moment
     const QTime time = glow::timeOf(t);
     TimelineItem *item = currentTimeline->itemUnderHead(x);
     if (user) {
-        if (hasSong()) {
-            player->blockSignals(true);
-            player->setPosition(t);
-            ui->Song_Slider->setValue(t);
-            ui->Song_time->setTime(time);
-            head->setIndicatorTime(time, false);
-            player->blockSignals(false);
-        } else {
-            ui->Song_time->restartClock(time);
-        }
+        seekClock(time);
         if (item != nullptr && player->state() != QMediaPlayer::PlayingState) {
             const auto into = static_cast<float>(qint64(t) - glow::msOf(item->startTime));
-            const float share = into / static_cast<float>(glow::durationMs(*item));
-            ui->GLWidget->stepCount = stepAt(share, ui->GLWidget->columnCount, ui->GLWidget->patternRepeats);
-            ui->GLWidget->stepOrigin = 0;
+            seekPreview(into / static_cast<float>(glow::durationMs(*item)));
         }
     }
-    if (item != previewItem) {
-        if (item != nullptr) {
-            previewPattern(item, glow::durationMs(*item) / 1000.0);
-        } else {
-            Oviewer_change(0, 0, 0);
-        }
-        previewItem = item;
-        ui->NEW_radio->setChecked(true);
-        ui->Mode_t1->setTime(time);
-    } else if (ui->NEW_radio->isChecked()) {
-        ui->Mode_t1->setTime(time);
-    }
+    followPattern(item, time);
+    keepHeadInView();
+}
 
+// The preview shows the pattern under the play-head, and a new pattern would begin there.
+void MainWindow::followPattern(TimelineItem *item, const QTime &time)
+{
+    if (item == previewItem) {
+        if (ui->NEW_radio->isChecked()) {
+            ui->Mode_t1->setTime(time);
+        }
+        return;
+    }
+    if (item != nullptr) {
+        previewPattern(*item, glow::durationMs(*item) / 1000.0);
+    } else {
+        Oviewer_change(0, 0, 0);
+    }
+    previewItem = item;
+    ui->NEW_radio->setChecked(true);
+    ui->Mode_t1->setTime(time);
+}
+
+void MainWindow::keepHeadInView()
+{
     QScrollBar *bar = ui->timeline_scroll->horizontalScrollBar();
     const int view = ui->timeline_scroll->width();
-    if (head->x() < bar->value() || head->x() > bar->value() + view) {
-        bar->setValue(head->x() - view / 2);
+    const int x = ui->timeline_headers->indicator->x();
+    if (x < bar->value() || x > bar->value() + view) {
+        bar->setValue(x - view / 2);
     }
+}
+
+QTime MainWindow::headTime() const
+{
+    return ui->timeline_headers->indicator->indicatorTime;
+}
+
+void MainWindow::setHeadTime(const QTime &time)
+{
+    ui->timeline_headers->indicator->setIndicatorTime(time, false);
+}
+
+int MainWindow::startMarkMs() const
+{
+    return glow::timeOfPixel(ui->timeline_headers->startMarkX);
 }

@@ -79,7 +79,7 @@ void MainWindow::on_timeline_Pressed(Timeline *t, bool update)
     const TimelineItem *item = t->itemUnderHead(ui->timeline_headers->indicator->x());
     if (item != nullptr) {
         const float seconds = static_cast<float>(glow::durationMs(*item)) / 1000.0F;
-        previewPattern(item, static_cast<double>(seconds));
+        previewPattern(*item, static_cast<double>(seconds));
     } else {
         Oviewer_change(0, 0, 0);
     }
@@ -198,5 +198,45 @@ void MainWindow::on_actionPaste_triggered()
 {
     if (glow::clipboardHasPattern()) {
         currentTimeline->on_itemPaste_clicked();
+    }
+}
+
+bool MainWindow::isTrackEmpty() const
+{
+    return currentTimeline->items.isEmpty();
+}
+
+QVector<glow::PatternRecord> MainWindow::sortedPatterns()
+{
+    currentTimeline->sortItems();
+    QVector<glow::PatternRecord> patterns;
+    for (const TimelineItem *item : qAsConst(currentTimeline->items)) {
+        patterns.append(*item);
+    }
+    return patterns;
+}
+
+QStringList MainWindow::settingsTexts() const
+{
+    QStringList texts;
+    for (const Timeline *track : timelines) {
+        for (const TimelineItem *item : track->items) {
+            texts.append(item->settingsText);
+        }
+    }
+    return texts;
+}
+
+void MainWindow::rewriteSettings(const std::function<QString(const QString &)> &rewrite)
+{
+    for (const Timeline *track : qAsConst(timelines)) {
+        for (TimelineItem *item : track->items) {
+            const QString text = rewrite(item->settingsText);
+            if (text != item->settingsText) {
+                qDebug() << text;
+                item->settingsText = text;
+                item->updateData();
+            }
+        }
     }
 }

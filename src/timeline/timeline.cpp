@@ -1,13 +1,14 @@
 // A track's list, its order and its look; drags stand in timeline_drag.cpp.
 #include "timeline/timeline.h"
 
-#include "timeline/collision.h"
+#include "show/base/numbers.h"
+#include "show/model/collision.h"
+#include "show/model/timescale.h"
 #include "timeline/dragformat.h"
 #include "timeline/indicator.h"
 #include "timeline/mylabel.h"
 #include "timeline/timelineheaders.h"
 #include "timeline/timelineitem.h"
-#include "timeline/timescale.h"
 
 #include <QDebug>
 #include <QMenu>

@@ -1,10 +1,11 @@
 // Drags over a track.
 #include "timeline/timeline.h"
 
+#include "show/model/dragheader.h"
+#include "show/model/snapping.h"
+#include "show/model/timescale.h"
 #include "timeline/dragformat.h"
-#include "timeline/snapping.h"
 #include "timeline/timelineitem.h"
-#include "timeline/timescale.h"
 
 #include <QApplication>
 #include <QDebug>

@@ -1,8 +1,9 @@
 #include "timeline/timelineheaders.h"
 
-#include "app/patternrecord.h"
+#include "show/base/numbers.h"
+#include "show/model/showtime.h"
+#include "show/model/timescale.h"
 #include "timeline/indicator.h"
-#include "timeline/timescale.h"
 
 #include <QChildEvent>
 #include <QMenu>

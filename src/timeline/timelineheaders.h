@@ -1,7 +1,7 @@
 // The ruler: draws time, hosts the tracks and the play-head, and holds the start mark.
 #pragma once
 
-#include "timeline/rulerticks.h"
+#include "show/draw/rulerticks.h"
 
 #include <QPoint>
 #include <QWidget>

@@ -1,9 +1,10 @@
 #include "timeline/timelineitem.h"
 
-#include "app/propvalues.h"
+#include "show/draw/itemtexture.h"
+#include "show/model/dragheader.h"
+#include "show/model/propvalues.h"
+#include "show/model/timescale.h"
 #include "timeline/dragformat.h"
-#include "timeline/itemtexture.h"
-#include "timeline/timescale.h"
 
 #include <QDrag>
 #include <QGuiApplication>

@@ -1,7 +1,7 @@
 // One pattern on a track: the widget and the record in one. The record's whole persistent state is the blob itemData.
 #pragma once
 
-#include "app/patternrecord.h"
+#include "show/model/patternrecord.h"
 
 #include <QFont>
 #include <QPoint>

@@ -1,12 +1,12 @@
 // What the program writes, as values: the pattern record, both project formats, whole files; on good bytes and on bad
 // ones. And the rules of repeats and props.
-#include "app/gadgetcatalogue.h"
-#include "app/oldproject.h"
-#include "app/patternrecord.h"
-#include "app/projectfile.h"
-#include "app/repeatrules.h"
-#include "app/wholefile.h"
 #include "heapwatch.h"
+#include "show/base/wholefile.h"
+#include "show/model/gadgetcatalogue.h"
+#include "show/model/oldproject.h"
+#include "show/model/patternrecord.h"
+#include "show/model/projectfile.h"
+#include "show/model/repeatrules.h"
 #include "smalldisk.h"
 #include "support/samples.h"
 

@@ -1,7 +1,7 @@
 // Projects in the window: saving, opening, both formats, and what failures leave behind.
-#include "app/projectfile.h"
-#include "app/propvalues.h"
-#include "app/settingstext.h"
+#include "show/model/projectfile.h"
+#include "show/model/propvalues.h"
+#include "show/model/settingstext.h"
 #include "song/songmaker.h"
 #include "support/dialogdriver.h"
 #include "support/samples.h"

@@ -3,11 +3,11 @@
 // This executable is its own child: started with GLOWSMITH_TEST_CHILD set, it runs the program's start-up code instead
 // of the tests, while a script answers the dialogs as a user would, writes down what it sees and closes the window.
 #include "app/mainwindow.h"
-#include "app/projectfile.h"
-#include "app/propvalues.h"
-#include "app/settingstext.h"
 #include "app/startup.h"
 #include "library/httpserver.h"
+#include "show/model/projectfile.h"
+#include "show/model/propvalues.h"
+#include "show/model/settingstext.h"
 #include "support/dialogdriver.h"
 #include "support/samples.h"
 #include "support/testenv.h"

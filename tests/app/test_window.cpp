@@ -1,5 +1,5 @@
 // The window's shell: construction, closing, new, keys, dropped files, the gadget menu, the status text.
-#include "app/propvalues.h"
+#include "show/model/propvalues.h"
 #include "support/dialogdriver.h"
 #include "support/windowtest.h"
 #include "timeline/timeline.h"

@@ -1,15 +1,15 @@
 // A test of the device link: the real window, and ports that exist only where a simulated prop makes one.
 #pragma once
 
-#include "device/portnames.h"
-#include "device/portscan.h"
 #include "device/workerthread.h"
 #include "prop/simulatedprop.h"
+#include "show/model/timescale.h"
+#include "show/wire/portnames.h"
+#include "show/wire/portscan.h"
 #include "support/samples.h"
 #include "support/windowtest.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineitem.h"
-#include "timeline/timescale.h"
 #include "ui_mainwindow.h"
 
 #include <QLoggingCategory>
@@ -55,6 +55,7 @@ struct Upload
     Upload()
     {
         auto *app = QCoreApplication::instance();
+        thread.waitMs = deviceWaitMs;
         QObject::connect(&thread, &WorkerThread::progress, app, [this](int percent, int port) {
             steps << percent;
             ports << port;
@@ -92,10 +93,11 @@ protected slots:
         QLoggingCategory::setFilterRules("default.debug=false");
         cleanup();
         env.reset(new TestEnv);
-        glow::deviceWaitMs = 5000;
+        deviceWaitMs = 5000;
         qputenv("GLOWSMITH_PORT_PATTERN", QFile::encodeName(env->path("COM%1")));
         msPerPixel = 10.0F;
         window.reset(new MainWindow);
+        window->propWaitMs = deviceWaitMs;
         ui = window->ui;
         window->gadgetGroup->actions().at(0)->trigger(); // a custom prop
         setLeds(2, 10);

@@ -3,13 +3,13 @@
 #pragma once
 
 #include "app/mainwindow.h"
-#include "app/propvalues.h"
-#include "device/portscan.h"
 #include "prop/simulatedprop.h"
+#include "show/model/propvalues.h"
+#include "show/model/timescale.h"
+#include "show/wire/portscan.h"
 #include "support/testenv.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineitem.h"
-#include "timeline/timescale.h"
 #include "ui_mainwindow.h"
 
 #include <QFile>
@@ -22,7 +22,7 @@ public:
     PortFolder()
     {
         QLoggingCategory::setFilterRules(QStringLiteral("default.debug=false"));
-        glow::deviceWaitMs = 5000;
+        deviceWaitMs = 5000;
         qputenv("GLOWSMITH_PORT_PATTERN", QFile::encodeName(env.path(QStringLiteral("COM%1"))));
     }
 
@@ -39,6 +39,7 @@ public:
     {
         msPerPixel = 10.0F;
         window.reset(new MainWindow);
+        window->propWaitMs = deviceWaitMs;
         ui = window->ui;
         window->gadgetGroup->actions().at(0)->trigger(); // a custom prop
         ui->Leds->setValue(leds);

@@ -1,7 +1,7 @@
 // A second writer of device images, to be compared with the program's own byte by byte.
 #pragma once
 
-#include "device/deviceimage.h"
+#include "show/image/deviceimage.h"
 
 #include <QByteArrayList>
 #include <QColor>

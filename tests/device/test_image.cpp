@@ -1,9 +1,9 @@
 // The device image and the ".bin" file.
 #include "device/imagemodel.h"
 
-#include "device/binfile.h"
-#include "device/devicedecode.h"
-#include "device/deviceimage.h"
+#include "show/image/binfile.h"
+#include "show/image/devicedecode.h"
+#include "show/image/deviceimage.h"
 
 #include <QBuffer>
 #include <QElapsedTimer>

@@ -3,7 +3,7 @@
 
 #include "device/pass.h"
 #include "device/setup.h"
-#include "device/wipe.h"
+#include "show/wire/wipe.h"
 #include "support/dialogdriver.h"
 #include "ui_pass.h"
 #include "ui_setup.h"
@@ -64,7 +64,7 @@ class Terminal : public setup
 {
 public:
     Terminal()
-        : setup(nullptr)
+        : setup(nullptr, deviceWaitMs)
     {
         show();
     }
@@ -154,7 +154,7 @@ void TestMaintenance::earlyChatterIsNoAnswer()
 
 void TestMaintenance::wipeInTheWindow()
 {
-    glow::deviceWaitMs = 800;
+    window->propWaitMs = 800;
     const QString done = "記憶體清除完成";
     const QString none = "偵測不到裝置！";
     const QString late = "清除記憶體逾時";
@@ -238,7 +238,7 @@ void TestMaintenance::firmwareGetsItsArguments()
 
 void TestMaintenance::firmwareWithoutProp()
 {
-    glow::deviceWaitMs = 800;
+    window->propWaitMs = 800;
     DialogDriver driver;
     driver.answerBox(QMessageBox::Ok);
     window->updatesystem();
@@ -291,7 +291,7 @@ void TestMaintenance::terminalSearches()
         terminal.send("AT");
         QCOMPARE(terminal.ui->COMMAND->text(), QString("AT")); // stays
     }
-    glow::deviceWaitMs = 800;
+    deviceWaitMs = 800;
     const Prop silent(1, silence);
     const Prop lastOne(99, silence);
     {

@@ -1,11 +1,11 @@
 // The program glowsmith-prop, started and used as from a shell, by the upload of the window and of the command line.
 #include "device/devicetest.h"
 
-#include "app/projectfile.h"
-#include "app/wholefile.h"
-#include "device/devicedecode.h"
-#include "device/showpicture.h"
-#include "device/wipe.h"
+#include "show/base/wholefile.h"
+#include "show/image/devicedecode.h"
+#include "show/image/showpicture.h"
+#include "show/model/projectfile.h"
+#include "show/wire/wipe.h"
 
 #include <QImage>
 #include <QProcess>
@@ -132,7 +132,7 @@ void TestPropProgram::complainsAboutBrokenData()
 
 void TestPropProgram::misbehavesAsAsked()
 {
-    glow::deviceWaitMs = 1500;
+    deviceWaitMs = 1500;
     const QString none = "偵測不到裝置！ terminated";
     const struct
     {

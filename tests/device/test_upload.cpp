@@ -146,7 +146,7 @@ void TestUpload::outcomes()
                 {"err", -1, finished},
                 {"\xFF\xFE\x80", -1, finished}};
     for (const auto &row : rows) {
-        glow::deviceWaitMs = row.reply.isEmpty() ? 1000 : 5000;
+        deviceWaitMs = row.reply.isEmpty() ? 1000 : 5000;
         PropBehaviour behaviour;
         behaviour.reply = row.reply;
         behaviour.vanishAfter = row.vanishAfter;
@@ -163,7 +163,7 @@ void TestUpload::outcomes()
 void TestUpload::laterPort()
 {
     // A silent port, one that answers too late, one that says nothing but a zero byte before its greeting.
-    glow::deviceWaitMs = 800;
+    deviceWaitMs = 800;
     writeShow(1);
     PropBehaviour slow = greets("Wait", 400);
     slow.chatter = {{5, QByteArray(1, '\0')}};
@@ -185,7 +185,7 @@ void TestUpload::laterPort()
 
 void TestUpload::lastPortSilent()
 {
-    glow::deviceWaitMs = 50;
+    deviceWaitMs = 50;
     writeShow(1);
     QCOMPARE(Upload().run(), noDevice);
     Prop prop(99, silence);

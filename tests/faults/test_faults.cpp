@@ -4,14 +4,14 @@
 // This executable is its own child: with GLOWSMITH_TEST_CHILD set it runs the program's start-up code, and a script
 // acts as the user.
 #include "app/mainwindow.h"
-#include "app/projectfile.h"
 #include "app/smalldisk.h"
 #include "app/startup.h"
-#include "app/wholefile.h"
-#include "device/deviceimage.h"
-#include "device/portscan.h"
 #include "device/workerthread.h"
 #include "prop/simulatedprop.h"
+#include "show/base/wholefile.h"
+#include "show/image/deviceimage.h"
+#include "show/model/projectfile.h"
+#include "show/wire/portscan.h"
 #include "song/songmaker.h"
 #include "support/dialogdriver.h"
 #include "support/testenv.h"
@@ -292,7 +292,6 @@ void TestFaults::diskFullOnSaveAndExport()
 void TestFaults::propVanishes()
 {
     qputenv("GLOWSMITH_PORT_PATTERN", QFile::encodeName(env->path(QStringLiteral("COM%1"))));
-    glow::deviceWaitMs = 1000;
     glow::DeviceShow show;
     show.ledCount = show.ledsShown = 80;
     show.frameRate = 100.0F;
@@ -317,6 +316,7 @@ void TestFaults::propVanishes()
         SimulatedProp prop(behaviour);
         QVERIFY(prop.start(env->path(QStringLiteral("COM0"))));
         WorkerThread upload;
+        upload.waitMs = 1000;
         upload.start();
         QVERIFY2(upload.wait(20000), qPrintable(QStringLiteral("hangs at byte %1").arg(behaviour.vanishAfter)));
         QCOMPARE(int(upload.uploadOk), i < moments ? 0 : 1);

@@ -1,11 +1,11 @@
 #include "targets.h"
 
-#include "app/patternrecord.h"
-#include "app/projectfile.h"
-#include "app/settingstext.h"
-#include "device/binfile.h"
-#include "device/deviceimage.h"
-#include "device/projectshow.h"
+#include "show/image/binfile.h"
+#include "show/image/deviceimage.h"
+#include "show/image/projectshow.h"
+#include "show/model/patternrecord.h"
+#include "show/model/projectfile.h"
+#include "show/model/settingstext.h"
 
 #include <QBuffer>
 #include <QPixmap>

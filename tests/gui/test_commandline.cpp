@@ -1,6 +1,6 @@
 // The command line against the window: what both export is the same, byte for byte; and each command as a user calls
 // it.
-#include "app/projectfile.h"
+#include "show/model/projectfile.h"
 #include "support/dialogdriver.h"
 #include "support/samples.h"
 #include "support/windowtest.h"

@@ -1,10 +1,10 @@
 // Tracks, ruler, zoom, play-head and clipboard on the real window.
+#include "show/model/timescale.h"
 #include "showtest.h"
 #include "song/mytime.h"
 #include "support/dialogdriver.h"
 #include "support/windowcheck.h"
 #include "timeline/mylabel.h"
-#include "timeline/timescale.h"
 
 #include <QApplication>
 #include <QMimeData>

@@ -1,6 +1,6 @@
 // Lost pictures: which are, where they are found, the window's and the editor's questions, and the picture library.
-#include "app/settingstext.h"
-#include "library/missingpictures.h"
+#include "show/model/missingpictures.h"
+#include "show/model/settingstext.h"
 #include "support/dialogdriver.h"
 #include "support/samples.h"
 #include "support/windowtest.h"

@@ -1,10 +1,11 @@
 // The preview in the real window: what reaches it, its speed controls, and that it spins on the screen. Runs a second
 // time as on a remote desktop without OpenGL, where a plain widget stands in for it.
-#include "app/propvalues.h"
 #include "preview/mygl.h"
+#include "show/model/propvalues.h"
 #include "support/pixels.h"
 #include "support/windowtest.h"
 #include "timeline/timeline.h"
+#include "timeline/timelineitem.h"
 #include "ui_mainwindow.h"
 
 #include <QScreen>
@@ -32,7 +33,7 @@ private slots:
         window->on_Add_Button_clicked();
         window->glpreview_change(false, window->textPixmap, 36, 1, 0.5, 5);
         QCOMPARE(prop->patternImage.size(), QSize(100, 36));
-        window->previewPattern(window->currentTimeline->items.first(), 5.0);
+        window->previewPattern(*window->currentTimeline->items.first(), 5.0);
         QCOMPARE(prop->columnCount, 1250);
 
         // Another number of LEDs begins anew.

@@ -1,6 +1,6 @@
 // The simulated prop as plain images: its arithmetic, what each step draws, and the frame put together from it.
-#include "preview/propsimulator.h"
-#include "preview/rasterops.h"
+#include "show/draw/propsimulator.h"
+#include "show/draw/rasterops.h"
 #include "support/pixels.h"
 
 #include <QPainter>

@@ -1,5 +1,5 @@
 // The generated patterns: every pixel of every effect against closed formulas, exact colours, foreign values.
-#include "render/effectimage.h"
+#include "show/draw/effectimage.h"
 #include "support/pixels.h"
 
 #include <QTest>

@@ -1,10 +1,10 @@
 // The tabs of the pattern sources on the real window: picture files, texts, effects and colours; the two colours that
 // they share, random effects.
-#include "app/propvalues.h"
 #include "preview/mygl.h"
-#include "render/effectimage.h"
-#include "render/randomdraw.h"
 #include "render/textimage.h"
+#include "show/draw/effectimage.h"
+#include "show/draw/randomdraw.h"
+#include "show/model/propvalues.h"
 #include "support/dialogdriver.h"
 #include "support/pixels.h"
 #include "support/samples.h"

@@ -1,7 +1,7 @@
 // Pictures and texts as pictures of patterns, as values: flips, scales, gap, the text's box, and what no pattern can
 // use.
-#include "render/picturechain.h"
 #include "render/textimage.h"
+#include "show/draw/picturechain.h"
 #include "support/pixels.h"
 #include "support/samples.h"
 

@@ -8,9 +8,9 @@
 #include "support/windowcheck.h"
 
 #include "app/mainwindow.h"
-#include "app/projectfile.h"
-#include "app/wholefile.h"
 #include "preview/mygl.h"
+#include "show/base/wholefile.h"
+#include "show/model/projectfile.h"
 #include "timeline/indicator.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineheaders.h"

@@ -1,5 +1,6 @@
 // Reading songs in the window, through the real media back end: the waveform's place, the window's numbers, and what
 // goes wrong.
+#include "show/model/timescale.h"
 #include "song/chartview.h"
 #include "song/mytime.h"
 #include "song/songmaker.h"
@@ -7,7 +8,6 @@
 #include "support/windowtest.h"
 #include "timeline/indicator.h"
 #include "timeline/timelineheaders.h"
-#include "timeline/timescale.h"
 #include "ui_mainwindow.h"
 
 #include <QDeadlineTimer>

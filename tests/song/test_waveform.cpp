@@ -1,8 +1,8 @@
 // From samples to points, from points to pixel columns, and the line that they paint.
+#include "show/draw/waveform.h"
+#include "show/model/timescale.h"
 #include "song/chartview.h"
 #include "song/songformat.h"
-#include "song/waveform.h"
-#include "timeline/timescale.h"
 
 #include <QAudioBuffer>
 #include <QGraphicsLayout>

@@ -1,7 +1,7 @@
 // Small files and patterns of a test's own.
 #pragma once
 
-#include "app/patternrecord.h"
+#include "show/model/patternrecord.h"
 
 #include <QDir>
 #include <QFile>

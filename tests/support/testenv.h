@@ -7,6 +7,9 @@
 
 class QSettings;
 
+// How long the prop may take to speak in what a test starts, milliseconds. Shorter where silence is waited for.
+inline int deviceWaitMs = 5000;
+
 class TestEnv
 {
 public:

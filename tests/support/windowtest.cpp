@@ -1,9 +1,9 @@
 #include "support/windowtest.h"
 
+#include "show/model/timescale.h"
 #include "support/windowcheck.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineitem.h"
-#include "timeline/timescale.h"
 
 #include <QtTest>
 

@@ -1,9 +1,10 @@
 // The plain rules under the tracks: order and collisions, snapping, the time scale, the ruler's ticks.
-#include "timeline/collision.h"
+#include "show/draw/rulerticks.h"
+#include "show/model/collision.h"
+#include "show/model/dragheader.h"
+#include "show/model/snapping.h"
+#include "show/model/timescale.h"
 #include "timeline/dragformat.h"
-#include "timeline/rulerticks.h"
-#include "timeline/snapping.h"
-#include "timeline/timescale.h"
 
 #include <QRandomGenerator>
 #include <QtTest>

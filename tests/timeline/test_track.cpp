@@ -1,12 +1,12 @@
 // Tracks, patterns, ruler and the small widgets by themselves, without the window around them.
-#include "app/propvalues.h"
+#include "show/draw/itemtexture.h"
+#include "show/model/propvalues.h"
+#include "show/model/timescale.h"
 #include "timeline/indicator.h"
-#include "timeline/itemtexture.h"
 #include "timeline/mymenu.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineheaders.h"
 #include "timeline/timelineitem.h"
-#include "timeline/timescale.h"
 
 #include <QApplication>
 #include <QPainter>

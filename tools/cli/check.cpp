@@ -1,8 +1,8 @@
 // glowsmith-cli check: what the prop will not show as drawn.
 #include "cli.h"
 
-#include "app/patternrecord.h"
-#include "device/projectshow.h"
+#include "show/image/projectshow.h"
+#include "show/model/showtime.h"
 
 #include <QJsonArray>
 #include <QJsonObject>

@@ -1,6 +1,6 @@
 #include "cli.h"
 
-#include "app/wholefile.h"
+#include "show/base/wholefile.h"
 
 #include <QFile>
 #include <QJsonDocument>

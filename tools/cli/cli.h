@@ -2,8 +2,8 @@
 // errors to standard error, and returns the exit code: 0 done, 1 it could not be done, 2 wrong use.
 #pragma once
 
-#include "app/projectfile.h"
-#include "device/deviceimage.h"
+#include "show/image/deviceimage.h"
+#include "show/model/projectfile.h"
 
 #include <QCommandLineParser>
 #include <QJsonObject>

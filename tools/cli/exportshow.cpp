@@ -1,10 +1,10 @@
 // glowsmith-cli export and show: a track as the prop's own format, and as the picture that comes of it.
 #include "cli.h"
 
-#include "device/binfile.h"
-#include "device/devicedecode.h"
-#include "device/projectshow.h"
-#include "device/showpicture.h"
+#include "show/image/binfile.h"
+#include "show/image/devicedecode.h"
+#include "show/image/projectshow.h"
+#include "show/image/showpicture.h"
 
 #include <QBuffer>
 #include <QFile>

@@ -1,10 +1,10 @@
 // glowsmith-cli info: what a project holds.
 #include "cli.h"
 
-#include "app/gadgetcatalogue.h"
-#include "app/patternrecord.h"
-#include "app/settingstext.h"
-#include "library/missingpictures.h"
+#include "show/model/gadgetcatalogue.h"
+#include "show/model/missingpictures.h"
+#include "show/model/patternrecord.h"
+#include "show/model/settingstext.h"
 
 #include <QFile>
 #include <QJsonArray>

@@ -1,10 +1,10 @@
 // glowsmith-cli relink and pictures: the source pictures of a project.
 #include "cli.h"
 
-#include "app/patternrecord.h"
-#include "app/settingstext.h"
-#include "app/wholefile.h"
-#include "library/missingpictures.h"
+#include "show/base/wholefile.h"
+#include "show/model/missingpictures.h"
+#include "show/model/patternrecord.h"
+#include "show/model/settingstext.h"
 
 #include <QDir>
 #include <QFile>

@@ -1,8 +1,8 @@
 // glowsmith-cli: shows without a window.
 #include "cli.h"
 
-#include "app/programversion.h"
-#include "resources/resources.h"
+#include "show/base/programversion.h"
+#include "show/base/resources.h"
 
 #include <QGuiApplication>
 #include <QLoggingCategory>

@@ -1,12 +1,12 @@
 // glowsmith-cli upload: a track to the prop, with a progress bar.
 #include "cli.h"
 
-#include "device/workerthread.h"
+#include "show/image/imagefiles.h"
+#include "show/wire/upload.h"
 
-#include <QCoreApplication>
-#include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QSerialPort>
 #include <QTemporaryDir>
 #include <QTextStream>
 
@@ -35,40 +35,66 @@ bool useOnly(const QString &port, const QTemporaryDir &folder)
     return true;
 }
 
-// The upload works in a folder of its own, from where a relative pattern would lead nowhere.
-void fixRelativePorts()
+// Why there was no upload; empty if there was one. Blocks: the progress is drawn as it goes.
+QString sendToProp(QFileDevice &header, QFileDevice &frameData)
 {
-    const QString pattern = qEnvironmentVariable("GLOWSMITH_PORT_PATTERN");
-    if (pattern.contains(u'/')) {
-        qputenv("GLOWSMITH_PORT_PATTERN", QFile::encodeName(QFileInfo(pattern).absoluteFilePath()));
-    }
-}
-
-// What went wrong, from the word that the upload has for it.
-QString explained(const QString &failure)
-{
-    if (failure.isEmpty()) {
+    int drawn = -1;
+    glow::UploadHooks hooks;
+    hooks.progress = [&drawn](int percent) {
+        if (percent != drawn) {
+            drawProgress(percent);
+            drawn = percent;
+        }
+    };
+    QSerialPort port;
+    int number = 0;
+    switch (glow::findProp(port, number, hooks)) {
+    case glow::ScanResult::Found:
+        break;
+    case glow::ScanResult::NoneOpen:
+        return QStringLiteral("No device detect!");
+    case glow::ScanResult::NoAnswer:
         return QStringLiteral("the prop did not finish");
     }
-    if (failure == QLatin1String("ERROR01")) {
-        return QStringLiteral("the prop did not answer (ERROR01)");
+    const glow::UploadEnd end = glow::sendImage(port, header, frameData, hooks);
+    port.close();
+    if (end == glow::UploadEnd::Sent) {
+        hooks.progress(100);
+        return {};
     }
-    if (failure == QLatin1String("ERROR02")) {
-        return QStringLiteral("the prop refused the show (ERROR02)");
+    const QString lineEnd = drawn >= 0 ? QStringLiteral("\n") : QString();
+    switch (end) {
+    case glow::UploadEnd::FilesUnreadable:
+        return lineEnd + QStringLiteral("export error!");
+    case glow::UploadEnd::NoReply:
+        return lineEnd + QStringLiteral("the prop did not answer (ERROR01)");
+    case glow::UploadEnd::Refused:
+        return lineEnd + QStringLiteral("the prop refused the show (ERROR02)");
+    default:
+        return lineEnd + QStringLiteral("the prop did not finish");
     }
-    return failure;
 }
 
-bool writeParts(const glow::DeviceShow &show)
+// The parts of the image as files; false, after a complaint, if they could not be written whole.
+bool writeParts(const glow::DeviceShow &show, QFile &frames, QFile &header)
 {
-    QFile frames(QStringLiteral("extemp.tmp"));
-    QFile header(QStringLiteral("extemp2.tmp"));
-    if (!frames.open(QIODevice::WriteOnly) || !header.open(QIODevice::WriteOnly)) {
-        complain(QStringLiteral("the show cannot be written to the temporary folder"));
-        return false;
+    const bool opened = frames.open(QIODevice::WriteOnly) && header.open(QIODevice::WriteOnly);
+    glow::ImageSummary summary;
+    if (opened) {
+        summary = glow::writeDeviceImage(show, frames, header);
     }
-    glow::writeDeviceImage(show, frames, header);
-    return true;
+    const bool whole = opened && frames.flush() && header.flush() && frames.size() == summary.frameBytes &&
+                       header.size() == glow::imageHeader(show, summary.entries).size();
+    if (!whole) {
+        const QString reason = frames.error() != QFileDevice::NoError ? frames.errorString() : header.errorString();
+        complain(QStringLiteral("the show cannot be written to the temporary folder: %1").arg(reason));
+    }
+    frames.close();
+    header.close();
+    if (whole && summary.cut) {
+        complain(QStringLiteral("warning: the show is longer than any prop holds, its last pictures are left out"));
+    }
+    return whole;
 }
 
 } // namespace
@@ -94,30 +120,14 @@ int upload(const QStringList &arguments)
     if (!folder.isValid() || (command.parser.isSet(port) && !useOnly(command.parser.value(port), folder))) {
         return Failed;
     }
-    fixRelativePorts();
-    const QString before = QDir::currentPath();
-    QDir::setCurrent(folder.path());
-    if (!writeParts(show)) {
+    QFile frames(folder.filePath(glow::frameDataFile()));
+    QFile header(folder.filePath(glow::headerFile()));
+    if (!writeParts(show, frames, header)) {
         return Failed;
     }
-    WorkerThread thread;
-    QString failure;
-    int drawn = -1;
-    QObject::connect(&thread, &WorkerThread::progress, qApp, [&drawn](int percent, int) {
-        if (percent != drawn) {
-            drawProgress(percent);
-            drawn = percent;
-        }
-    });
-    QObject::connect(&thread, &WorkerThread::expmess, qApp, [&failure](const QString &text) { failure = text; });
-    QObject::connect(&thread, &QThread::finished, qApp, &QCoreApplication::quit);
-    thread.start();
-    QCoreApplication::exec();
-    thread.wait();
-    QCoreApplication::processEvents();
-    QDir::setCurrent(before);
-    if (thread.uploadOk == 0) {
-        complain((drawn >= 0 ? QStringLiteral("\n") : QString()) + explained(failure));
+    const QString failure = sendToProp(header, frames);
+    if (!failure.isEmpty()) {
+        complain(failure);
         return Failed;
     }
     print(QStringLiteral("sent %1 patterns").arg(show.patterns.size()));

@@ -2,9 +2,9 @@
 // commands, and keeps what it received.
 #include "prop/simulatedprop.h"
 
-#include "app/programversion.h"
-#include "device/showpicture.h"
-#include "resources/resources.h"
+#include "show/base/programversion.h"
+#include "show/base/resources.h"
+#include "show/image/showpicture.h"
 
 #include <QCommandLineParser>
 #include <QDir>

@@ -8,7 +8,7 @@
 // It runs on a thread of its own, so a caller that blocks on the port can be served by its own process.
 #pragma once
 
-#include "device/devicedecode.h"
+#include "show/image/devicedecode.h"
 
 #include <QByteArray>
 #include <QString>

@@ -1,4 +1,0 @@
-#include "app/propvalues.h"
-
-qint16 ledCount = 0;
-float frameRate = 0.0F;

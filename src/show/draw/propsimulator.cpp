@@ -1,0 +1,304 @@
+#include "show/draw/propsimulator.h"
+#include "show/base/numbers.h"
+
+#include <QDebug>
+#include <QPainter>
+#include <QPen>
+
+#include <algorithm>
+#include <cstdlib>
+
+namespace glow {
+
+namespace {
+
+// The views' geometry, in pixels of the images.
+constexpr int imageSize = 400;
+constexpr int discLeft = 20;
+constexpr int discDiameter = 360;
+constexpr int stripLeft = 190;
+constexpr double stripLength = 320.0; // all LEDs together
+
+// A full turn, in the painter's sixteenths of a degree; it takes 6000 ms at speed 1.
+constexpr int fullTurn = 5760;
+constexpr int wedge = 10; // wider than the largest step of 9, so the wedges leave no gaps
+constexpr int longestStall = 100;
+
+const QColor black(0, 0, 0, 255);
+
+QImage blackImage()
+{
+    QImage image(imageSize, imageSize, QImage::Format_ARGB32_Premultiplied);
+    image.fill(black);
+    return image;
+}
+
+void drawWedge(QPainter &painter, const QRadialGradient &gradient, int angle)
+{
+    painter.setBrush(gradient);
+    painter.drawPie(discLeft, discLeft, discDiameter, discDiameter, angle, wedge);
+}
+
+// The product is a 32-bit one that wraps, negated the same way.
+int wedgeAngle(int spinSpeed, qint64 step)
+{
+    const quint32 product = static_cast<quint32>(spinSpeed) * static_cast<quint32>(step);
+    return static_cast<int>(0U - product);
+}
+
+} // namespace
+
+int previewColumns(double seconds, int repeats)
+{
+    // Far above 24 hours; beyond it lie only foreign values.
+    constexpr double mostColumns = 2.0e9;
+    const double perRepeat = seconds * 1000.0 / std::max(repeats, 1);
+    if (!(perRepeat > 0.0 && perRepeat < mostColumns)) {
+        return 0;
+    }
+    const int columns = truncated(static_cast<double>(static_cast<float>(perRepeat)) + 0.5);
+    return columns - columns % 2;
+}
+
+int previewSteps(int elapsedMs)
+{
+    const int dt = std::clamp(elapsedMs, 0, longestStall);
+    const double limit = dt == 0 ? 0.5 : fullTurn / (6000.0 / dt) + 0.5;
+    int steps = 0;
+    while (steps < limit) {
+        ++steps;
+    }
+    return steps;
+}
+
+PropSimulator::PropSimulator()
+{
+    discImage = blackImage();
+    stripImage = blackImage();
+    resetImages();
+}
+
+void PropSimulator::showPicture(const QImage &picture, qint16 leds, double seconds, int repeats)
+{
+    patternLeds = leds;
+    patternRepeats = repeats;
+    columnCount = previewColumns(seconds, repeats);
+    patternImage = QImage();
+    widePicture = QImage();
+    wideRows = 0;
+    if (columnCount > 0 && leds > 0) {
+        QImage source = picture;
+        if (source.isNull()) {
+            source = QImage(leds, leds, QImage::Format_RGB32);
+            source.fill(black);
+        }
+        if (columnCount <= widestImage && source.width() <= widestImage && source.height() <= widestImage) {
+            patternImage = source.scaled(columnCount, leds, Qt::IgnoreAspectRatio, Qt::FastTransformation)
+                               .convertToFormat(QImage::Format_RGB32);
+        } else {
+            widePicture = source.convertToFormat(QImage::Format_RGB32);
+            wideRows = leds;
+        }
+    }
+    stepOrigin = stepCount;
+    stepClock = QTime::currentTime();
+}
+
+QRgb PropSimulator::pixelAt(qint64 column, int row) const
+{
+    if (!patternImage.isNull()) {
+        return reinterpret_cast<const QRgb *>(patternImage.constScanLine(row))[column];
+    }
+    const qint64 x = nearestPixel(column, widePicture.width(), columnCount);
+    const qint64 y = nearestPixel(row, widePicture.height(), wideRows);
+    return reinterpret_cast<const QRgb *>(widePicture.constScanLine(static_cast<int>(y)))[x];
+}
+
+int PropSimulator::columns() const
+{
+    return widePicture.isNull() ? patternImage.width() : columnCount;
+}
+
+int PropSimulator::rows() const
+{
+    return widePicture.isNull() ? patternImage.height() : wideRows;
+}
+
+qint64 PropSimulator::columnAt(qint64 step) const
+{
+    const qint64 width = columns();
+    if (width == 0) {
+        return 0;
+    }
+    const qint64 column = (step - stepOrigin) % width;
+    return column < 0 ? column + width : column;
+}
+
+QRadialGradient PropSimulator::discGradient(qint64 column) const
+{
+    const int h = rows();
+    // Row 0 lies on the rim, each further row 1/180 of the radius further in. The gradient's centre is its position 0,
+    // so rows beyond 180 have no place on the disc.
+    const int shown = std::min(h, discDiameter / 2 + 1);
+    QGradientStops stops;
+    stops.reserve(shown + 2);
+    if (shown <= discDiameter / 2) {
+        stops.append({0.0, black});
+    }
+    if (h > 0 && h < discDiameter / 2) {
+        stops.append({(360 - 2 * h) / 360.0, black});
+    }
+    for (int row = shown - 1; row >= 0; --row) {
+        stops.append({(360 - 2 * row) / 360.0, QColor(pixelAt(column, row))});
+    }
+    if (h == 0) {
+        stops.append({1.0, black});
+    }
+    QRadialGradient gradient(QPointF(200, 200), 180);
+    gradient.setStops(stops);
+    return gradient;
+}
+
+void PropSimulator::drawStripBody(QPainter &painter) const
+{
+    const int h = rows();
+    if (h == 0) {
+        return; // no LEDs, no bar
+    }
+    const auto s = static_cast<float>(stripLength / h);
+    painter.setPen(QPen(QColor(150, 150, 150, 255), 2.0));
+    painter.setBrush(Qt::NoBrush);
+    const int w = static_cast<int>(s * 5.0);
+    painter.drawRect(stripLeft, 20, w, 370);
+    painter.drawRect(stripLeft, 356, w, 15);
+}
+
+void PropSimulator::drawStripColumn(QPainter &painter, qint64 column) const
+{
+    const int h = rows();
+    if (h == 0) {
+        return;
+    }
+    const auto s = static_cast<float>(stripLength / h);
+    const int x = static_cast<int>(s * 2.5 + stripLeft);
+    QPen pen;
+    pen.setWidthF(s * 2.5);
+    for (int row = 0; row < h; ++row) {
+        const float top = static_cast<float>(row) * s;
+        pen.setColor(QColor(pixelAt(column, row)));
+        painter.setPen(pen);
+        painter.drawLine(x, static_cast<int>(top + 30.0F), x, static_cast<int>(top + 33.0F));
+    }
+}
+
+void PropSimulator::runSteps(int elapsedMs)
+{
+    const int steps = previewSteps(elapsedMs);
+    if (spinSpeed != 0) {
+        QPainter painter(&discImage);
+        painter.setPen(Qt::NoPen);
+        for (int n = 0; n < steps; ++n) {
+            drawWedge(painter, discGradient(columnAt(stepCount + n)), wedgeAngle(spinSpeed, stepCount + n));
+        }
+    }
+    // The strip shows one instant: each step's opaque lines cover those of the step before, so the last step's do.
+    QPainter painter(&stripImage);
+    drawStripBody(painter);
+    drawStripColumn(painter, columnAt(stepCount + steps - 1));
+    stepCount += steps;
+}
+
+void PropSimulator::setSpinSpeed(int speed)
+{
+    if (speed != 0) {
+        // Keeps the angle, which is the product of speed and count.
+        stepCount = spinSpeed * (stepCount - 1) / speed;
+    }
+    if (stepCount < 0) {
+        stepCount = -stepCount;
+    }
+    spinSpeed = speed;
+    if (speed == 0) {
+        qDebug() << "draw static";
+        QPainter painter(&discImage);
+        painter.setPen(Qt::NoPen);
+        const int width = columns();
+        for (int i = 0; i < fullTurn / wedge; ++i) {
+            drawWedge(painter, discGradient(width == 0 ? 0 : i % width), -wedge * i);
+        }
+    }
+    stepOrigin = 0;
+    stepClock = QTime::currentTime();
+}
+
+void PropSimulator::resetImages()
+{
+    discImage.fill(black);
+    stripImage.fill(black);
+    stepOrigin = 0;
+    stepClock = QTime::currentTime();
+}
+
+void PropSimulator::composeFrame(QPainter &painter, int w, int h)
+{
+    const int height = static_cast<int>(h * 0.9);
+    if (height > 0) {
+        QImage disc = discImage.scaledToHeight(height, Qt::FastTransformation);
+        const QImage strip = stripImage.scaledToHeight(height, Qt::FastTransformation);
+        const int left = (w - 2 * disc.width()) / 2;
+        const int top = (h - disc.height()) / 2;
+        if (spinSpeed != 0) {
+            // Follows the newest wedge.
+            const qint64 degrees = 1 - ((stepCount * 10 - 10) * spinSpeed) / 160;
+            const int half = w / 2;
+            const int middle = h / 2;
+            const QPointF centre(half - h * 0.45 - left, middle - top);
+            afterglow.apply(disc, centre, degrees, spinSpeed);
+        }
+        painter.drawImage(left, top, disc);
+        if (spinSpeed != 0) {
+            painter.setCompositionMode(QPainter::CompositionMode_DestinationAtop);
+        }
+        painter.drawImage(w / 2, top, strip);
+    }
+    QFont font = painter.font();
+    font.setPixelSize(12);
+    painter.setFont(font);
+    painter.setPen(QColor(255, 255, 255, 255));
+    // Paints within the same millisecond bring the mean down to 0.
+    const int framesPerSecond = 1000 / std::max(frameTimeShown, 1);
+    painter.drawText(QRect(0, 0, 100, 50), 0, QStringLiteral("FPS: ") + QString::number(framesPerSecond));
+}
+
+void PropSimulator::paintFrame(QPainter &painter, int w, int h)
+{
+    const QTime now = QTime::currentTime();
+    int elapsed = stepClock.msecsTo(now);
+    if (elapsed < 0) { // past midnight, or the system's clock was set back
+        elapsed += 24 * 60 * 60 * 1000;
+    }
+    stepClock = now;
+    runSteps(elapsed);
+    if (w > 0 && h > 0) {
+        // The afterglow's composition mode asks for a transparent surface, and what a widget's surface holds before a
+        // paint differs between systems; so the frame is composed beside it.
+        const qreal ratio = painter.device()->devicePixelRatioF();
+        const QSize size = QSize(w, h) * ratio;
+        if (frameImage.size() != size) {
+            frameImage = QImage(size, QImage::Format_ARGB32_Premultiplied);
+        }
+        frameImage.reinterpretAsFormat(QImage::Format_ARGB32_Premultiplied);
+        frameImage.setDevicePixelRatio(ratio);
+        frameImage.fill(Qt::transparent);
+        {
+            QPainter composer(&frameImage);
+            composer.setFont(painter.font());
+            composeFrame(composer, w, h);
+        }
+        frameImage = onBlack(std::move(frameImage));
+        painter.drawImage(0, 0, frameImage);
+    }
+    frameTimeAverage = (frameTimeAverage + elapsed) / 2;
+}
+
+} // namespace glow
