@@ -6,7 +6,7 @@
 #include "app/edithistory.h"
 #include "show/model/gadgetcatalogue.h"
 #include "show/model/patternrecord.h"
-#include "show/model/settingstext.h"
+#include "show/model/patternsettings.h"
 #include "show/wire/portscan.h"
 
 #include <QAudioDecoder>
@@ -23,6 +23,7 @@
 #include <QtCharts/QLineSeries>
 
 #include <functional>
+#include <optional>
 
 class ChartView;
 class Recovery;
@@ -327,11 +328,20 @@ private:
     static bool isCancelledUpload(const QObject *caller);
 
     void buildGadgetMenu();
-    // The panel's present state as a pattern; false if its tab has no picture.
-    bool editorPattern(glow::PatternRecord &record);
-    // Sets the tab of the settings' kind and shows it, which renders it. A kind that does not exist changes nothing.
-    // Old text files take a picture's path as it stands and have a quirk of their own with an effect's flips.
-    void fillEditor(const glow::SettingsText &settings, bool fromOldFile);
+    // The panel's present state as a pattern; nothing if its tab has no picture.
+    std::optional<glow::PatternRecord> editorPattern() const;
+    // What the present tab of the panel is set to, and of a tab that may not be the present one.
+    glow::PatternSettings panel() const;
+    glow::TextSettings textTab() const;
+    glow::EffectSettings effectTab() const;
+    // Sets the tab of the settings' kind and shows it, which renders it. Old text files take a picture's path as it
+    // stands and have a quirk of their own with an effect's flips.
+    enum class Origin { Item, OldFile };
+    void showInPanel(const glow::PatternSettings &settings, Origin origin);
+    void fillTab(const glow::PictureSettings &settings, Origin origin);
+    void fillTab(const glow::ColourSettings &settings, Origin origin);
+    void fillTab(const glow::TextSettings &settings, Origin origin);
+    void fillTab(const glow::EffectSettings &settings, Origin origin);
     // Takes over the two numbers of an opened project and picks the catalogue row that has both, else the custom entry.
     // A binary project also opens at the widest zoom.
     void applyLoadedGadget(int leds, float rate, bool widestZoom);

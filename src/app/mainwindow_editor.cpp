@@ -157,59 +157,66 @@ void MainWindow::on_Addbutton_hovered(bool over)
                                    glow::truncated(ui->Mode_last->value() * 1000));
 }
 
-bool MainWindow::editorPattern(glow::PatternRecord &record)
+glow::PatternSettings MainWindow::panel() const
 {
+    switch (ui->Mode_Pic->currentIndex()) {
+    case glow::PicturePattern:
+        return glow::PictureSettings{ui->PicDir->text(), ui->Pic_Slide->value(), ui->Pic_revH->isChecked(),
+                                     ui->Pic_revV->isChecked()};
+    case glow::ColourPattern:
+        return glow::ColourSettings{foreColor};
+    case glow::TextPattern:
+        return textTab();
+    default:
+        return effectTab();
+    }
+}
+
+std::optional<glow::PatternRecord> MainWindow::editorPattern() const
+{
+    glow::PatternRecord record;
     record.startTime = ui->Mode_t1->time();
     record.endTime = ui->Mode_t2->time();
     record.patternKind = ui->Mode_Pic->currentIndex();
     record.repeatCount = ui->Mode_loop->value();
     record.speedValue = ui->radio_speed_slide->isChecked() ? ui->Speed_slide->value() : 0;
+    record.settingsText = glow::composeSettings(panel(), record.repeatCount);
 
     QPixmap picture;
     switch (record.patternKind) {
     case glow::PicturePattern:
         if (picturePixmap.isNull()) {
-            return false;
+            return std::nullopt;
         }
         picture = picturePixmap.scaledToHeight(80, Qt::SmoothTransformation);
-        record.settingsText = glow::composePicture(record.repeatCount, ui->PicDir->text(), ui->Pic_Slide->value(),
-                                                   ui->Pic_revH->isChecked(), ui->Pic_revV->isChecked());
         break;
     case glow::ColourPattern:
         picture = QPixmap(80, 80);
         picture.fill(QColor(foreColor.red(), foreColor.green(), foreColor.blue(), 255));
         record.solidColor = QColor(ui->Color_R->value(), ui->Color_G->value(), ui->Color_B->value(), 255);
-        record.settingsText = glow::composeColour(foreColor);
         break;
     case glow::TextPattern:
         picture = textPixmap;
-        record.settingsText =
-            glow::composeText(record.repeatCount, foreColor, backColor, ui->text_Edit->text(),
-                              ui->fontComboBox->currentIndex(), ui->Font_size->currentIndex(), ui->Text_slide->value(),
-                              ui->Text_revH->isChecked(), ui->Text_revV->isChecked());
         break;
     default:
         picture = effectPixmap;
-        record.settingsText = glow::composeEffect(
-            record.repeatCount, foreColor, backColor, ui->Spe_comboBox->currentIndex(), ui->Spe_color3->checkState(),
-            ui->Spe_width->value(), ui->Spe_revH->isChecked(), ui->Spe_revV->isChecked());
         break;
     }
     if (!picture.isNull()) {
         record.thumbnail = picture.scaledToHeight(85, Qt::SmoothTransformation);
     }
-    return true;
+    return record;
 }
 
 void MainWindow::on_Add_Button_clicked()
 {
     // A spin box that is being typed in commits when it loses the focus.
     ui->Add_Button->setFocus();
-    glow::PatternRecord record;
-    if (!editorPattern(record)) {
+    const std::optional<glow::PatternRecord> record = editorPattern();
+    if (!record.has_value()) {
         return;
     }
-    const QByteArray blob = glow::writePattern(record);
+    const QByteArray blob = glow::writePattern(*record);
     // Each time field that changes below would render the preview again.
     ui->Mode_loop->blockSignals(true);
     TimelineItem *item = currentItem;

@@ -8,65 +8,58 @@
 #include <QFile>
 #include <QMessageBox>
 
-namespace {
-
-QColor namedColour(const QString &name)
+void MainWindow::fillTab(const glow::PictureSettings &settings, Origin origin)
 {
-    QColor colour;
-    colour.setNamedColor(name);
-    return colour;
+    ui->Pic_Slide->setValue(settings.gap);
+    ui->Pic_revH->setChecked(settings.flipH);
+    ui->Pic_revV->setChecked(settings.flipV);
+    if (origin == Origin::OldFile || QFile::exists(settings.path)) {
+        ui->PicDir->setText(settings.path);
+    } else {
+        askForLostPicture();
+    }
 }
 
-} // namespace
-
-void MainWindow::fillEditor(const glow::SettingsText &settings, bool fromOldFile)
+void MainWindow::fillTab(const glow::ColourSettings &settings, Origin /*origin*/)
 {
-    switch (settings.kind()) {
-    case glow::PicturePattern:
-        ui->Pic_Slide->setValue(settings.flagNumber(0));
-        ui->Pic_revH->setChecked(settings.flag(1));
-        ui->Pic_revV->setChecked(settings.flag(2));
-        if (fromOldFile || QFile::exists(settings.picturePath())) {
-            ui->PicDir->setText(settings.picturePath());
-        } else {
-            askForLostPicture();
-        }
-        break;
-    case glow::ColourPattern:
-        foreColor = namedColour(settings.fields.value(1));
-        break;
-    case glow::TextPattern:
-        foreColor = namedColour(settings.value(0));
-        backColor = namedColour(settings.value(1));
-        ui->fontComboBox->setCurrentIndex(settings.value(3).toInt());
-        ui->Font_size->setCurrentIndex(settings.value(4).toInt());
-        ui->Text_slide->setValue(settings.flagNumber(0));
-        ui->Text_revH->setChecked(settings.flag(1));
-        ui->Text_revV->setChecked(settings.flag(2));
-        ui->text_Edit->setText(settings.value(2));
-        break;
-    case glow::EffectPattern: {
-        foreColor = namedColour(settings.value(0));
-        backColor = namedColour(settings.value(1));
-        ui->Spe_comboBox->setCurrentIndex(settings.value(2).toInt());
-        bool isNumber = false;
-        const int mode = settings.value(3).toInt(&isNumber);
-        if (isNumber && mode >= Qt::Unchecked && mode <= Qt::Checked) {
-            ui->Spe_color3->setCheckState(static_cast<Qt::CheckState>(mode));
-        }
-        ui->Spe_width->setValue(settings.value(4).toInt());
-        // Old files have always had an effect's flips read into the text tab's boxes.
-        (fromOldFile ? ui->Text_revH : ui->Spe_revH)->setChecked(settings.flag(1));
-        (fromOldFile ? ui->Text_revV : ui->Spe_revV)->setChecked(settings.flag(2));
-        break;
+    foreColor = settings.colour;
+}
+
+void MainWindow::fillTab(const glow::TextSettings &settings, Origin /*origin*/)
+{
+    foreColor = settings.fore;
+    backColor = settings.back;
+    ui->fontComboBox->setCurrentIndex(settings.font);
+    ui->Font_size->setCurrentIndex(settings.sizeIndex);
+    ui->Text_slide->setValue(settings.slide);
+    ui->Text_revH->setChecked(settings.flipH);
+    ui->Text_revV->setChecked(settings.flipV);
+    ui->text_Edit->setText(settings.text);
+}
+
+void MainWindow::fillTab(const glow::EffectSettings &settings, Origin origin)
+{
+    foreColor = settings.front;
+    backColor = settings.back;
+    ui->Spe_comboBox->setCurrentIndex(settings.row);
+    if (settings.mode >= Qt::Unchecked && settings.mode <= Qt::Checked) {
+        ui->Spe_color3->setCheckState(static_cast<Qt::CheckState>(settings.mode));
     }
-    default:
-        return;
-    }
-    if (ui->Mode_Pic->currentIndex() != settings.kind()) {
-        ui->Mode_Pic->setCurrentIndex(settings.kind());
+    ui->Spe_width->setValue(settings.width);
+    // Old files have always had an effect's flips read into the text tab's boxes.
+    const bool old = origin == Origin::OldFile;
+    (old ? ui->Text_revH : ui->Spe_revH)->setChecked(settings.flipH);
+    (old ? ui->Text_revV : ui->Spe_revV)->setChecked(settings.flipV);
+}
+
+void MainWindow::showInPanel(const glow::PatternSettings &settings, Origin origin)
+{
+    std::visit([this, origin](const auto &ofKind) { fillTab(ofKind, origin); }, settings);
+    const int tab = static_cast<int>(settings.index()); // the tabs stand in the order of the kinds
+    if (ui->Mode_Pic->currentIndex() != tab) {
+        ui->Mode_Pic->setCurrentIndex(tab);
     } else {
-        on_Mode_Pic_currentChanged(settings.kind());
+        on_Mode_Pic_currentChanged(tab);
     }
 }
 
@@ -90,13 +83,15 @@ void MainWindow::loadItemToEditor(TimelineItem *item)
         QMessageBox::warning(this, tr("無法讀取"), tr("儲存格式過舊，請使用舊版軟體(v2.9↓)進行轉檔"), QMessageBox::Ok);
         return;
     }
-    const glow::SettingsText settings = glow::parseSettings(text);
+    const glow::ParsedSettings parsed = glow::parseSettings(text);
     // The lost-picture question runs an event loop of its own; the numbers are noted before it.
     const int speed = item->speedValue;
     const int repeat = item->repeatCount;
-    fillEditor(settings, false);
+    if (parsed.settings.has_value()) {
+        showInPanel(*parsed.settings, Origin::Item);
+    }
 
-    if (!settings.hasGroups() || speed < 1) {
+    if (!parsed.repeats.has_value() || speed < 1) {
         ui->radio_speed_m->setChecked(true);
         ui->Mode_loop->setValue(repeat);
     } else {

@@ -7,7 +7,6 @@
 #include "show/model/oldproject.h"
 #include "show/model/projectfile.h"
 #include "show/model/propvalues.h"
-#include "show/model/settingstext.h"
 #include "song/chartview.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineitem.h"
@@ -244,14 +243,14 @@ void MainWindow::openOldProject(const QByteArray &bytes)
     for (const glow::OldPattern &pattern : project.patterns) {
         ui->Mode_t1->setTime(pattern.start);
         ui->Mode_t2->setTime(pattern.end);
-        const glow::SettingsText settings = glow::parseSettings(pattern.settings);
-        fillEditor(settings, true);
-        if (settings.kind() == glow::PicturePattern && !QFile::exists(settings.picturePath())) {
+        showInPanel(pattern.settings, Origin::OldFile);
+        const auto *picture = std::get_if<glow::PictureSettings>(&pattern.settings);
+        if (picture != nullptr && !QFile::exists(picture->path)) {
             // What an earlier line left must not stand for the lost picture. Without one nothing is added below.
             picturePixmap = QPixmap();
         }
-        if (settings.hasGroups()) {
-            ui->Mode_loop->setValue(settings.loop());
+        if (pattern.repeats.has_value()) {
+            ui->Mode_loop->setValue(*pattern.repeats);
             ui->radio_speed_m->setChecked(true);
         }
         ui->NEW_radio->setChecked(true);

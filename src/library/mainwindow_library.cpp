@@ -78,8 +78,8 @@ void MainWindow::on_actionSQL_triggered()
     }
     const QStringList all = settingsTexts();
     for (const QString &settings : all) {
-        if (glow::namesPicture(settings)) {
-            glow::copyPicture(glow::parseSettings(settings).picturePath(), directory);
+        if (const std::optional<QString> path = glow::sourcePicture(settings)) {
+            glow::copyPicture(*path, directory);
         }
     }
     QMessageBox::about(this, QString(), tr("圖庫匯出完成"));

@@ -12,17 +12,23 @@
 
 #include <utility>
 
-void MainWindow::on_Spe_comboBox_currentIndexChanged(int index)
+glow::EffectSettings MainWindow::effectTab() const
 {
     glow::EffectSettings settings;
-    settings.row = index;
+    settings.row = ui->Spe_comboBox->currentIndex();
     settings.front = foreColor;
     settings.back = backColor;
     settings.width = ui->Spe_width->value();
     settings.mode = ui->Spe_color3->checkState();
     settings.flipH = ui->Spe_revH->isChecked();
     settings.flipV = ui->Spe_revV->isChecked();
+    return settings;
+}
 
+void MainWindow::on_Spe_comboBox_currentIndexChanged(int index)
+{
+    glow::EffectSettings settings = effectTab();
+    settings.row = index;
     effectPixmap = QPixmap::fromImage(glow::effectImage(settings));
     previewInEditor(effectPixmap);
     glow::showPattern(*ui->Spe_show, effectPixmap);

@@ -13,6 +13,20 @@
 
 #include <utility>
 
+glow::TextSettings MainWindow::textTab() const
+{
+    glow::TextSettings settings;
+    settings.fore = foreColor;
+    settings.back = backColor;
+    settings.text = ui->text_Edit->text();
+    settings.font = ui->fontComboBox->currentIndex();
+    settings.sizeIndex = ui->Font_size->currentIndex();
+    settings.slide = ui->Text_slide->value();
+    settings.flipH = ui->Text_revH->isChecked();
+    settings.flipV = ui->Text_revV->isChecked();
+    return settings;
+}
+
 void MainWindow::on_text_Edit_textChanged(const QString &text)
 {
     // The settings text has no escape for its separators. The clean text comes back here through the field.

@@ -7,6 +7,7 @@
 #include "show/model/patternrecord.h"
 #include "show/model/projectfile.h"
 #include "show/model/repeatrules.h"
+#include "show/model/settingstext.h"
 #include "smalldisk.h"
 #include "support/samples.h"
 
@@ -226,7 +227,8 @@ private slots:
             QVERIFY2(project.patterns.size() == 1, line.left(80).constData());
             const glow::OldPattern &pattern = project.patterns.first();
             QVERIFY(pattern.start == QTime(0, 59, 59, 999) && pattern.end == QTime(0, 0, 5, 250));
-            QCOMPARE(pattern.settings, QString("1?#00ff00"));
+            QCOMPARE(glow::composeSettings(pattern.settings, 1), QString("1?#00ff00"));
+            QVERIFY(!pattern.repeats.has_value());
         }
         QVERIFY(!glow::readOldProject("48" + good).hasProp && !glow::readOldProject("").hasProp);
 
@@ -241,7 +243,8 @@ private slots:
             const glow::OldProject project = glow::readOldProject(
                 parts.at(0) + "><1100\n00:00.000><00:05.000><2?1?#ffffff|#000000|" + parts.at(1) + "|0|0?5|0|0\n");
             QCOMPARE(project.leds, 48);
-            QCOMPARE(project.patterns.value(0).settings, QString("2?1?#ffffff|#000000|%1|0|0?5|0|0").arg(text));
+            QCOMPARE(glow::composeSettings(project.patterns.value(0).settings, *project.patterns.value(0).repeats),
+                     QString("2?1?#ffffff|#000000|%1|0|0?5|0|0").arg(text));
         }
     }
 

@@ -24,7 +24,7 @@ constexpr int second = 1000;
 
 QByteArray colourBlob(int startMs, const QColor &colour = Qt::red, int lengthMs = 500)
 {
-    return patternBlob(glow::composeColour(colour), startMs, lengthMs, colour);
+    return patternBlob(glow::composeSettings(glow::ColourSettings{colour}, 1), startMs, lengthMs, colour);
 }
 
 QByteArray fileOf(const Tracks &tracks, qint16 leds = 48, float rate = 1100)

@@ -207,7 +207,8 @@ private:
         project.frameRate = 1000;
         project.tracks.resize(1);
         for (int i = 0; i < patterns; ++i) {
-            project.tracks.first().append(patternBlob(glow::composeColour(Qt::red), i * 1000));
+            project.tracks.first().append(
+                patternBlob(glow::composeSettings(glow::ColourSettings{Qt::red}, 1), i * 1000));
         }
         return put(env->path(name), glow::writeProject(project)) ? env->path(name) : QString();
     }

@@ -26,9 +26,11 @@ QByteArray pattern(int kind, int start, int end, int speed = 0)
     record.patternKind = kind;
     record.speedValue = speed;
     const QStringList settings = {
-        glow::composePicture(2, QStringLiteral("/gone/a.png"), 20, true, false), glow::composeColour(QColor(1, 2, 3)),
-        glow::composeText(1, Qt::red, Qt::black, QStringLiteral("abc 光"), 0, 2, 30, false, true),
-        glow::composeEffect(4, Qt::green, Qt::blue, 5, 1, 60, false, false)};
+        glow::composeSettings(glow::PictureSettings{QStringLiteral("/gone/a.png"), 20, true, false}, 2),
+        glow::composeSettings(glow::ColourSettings{QColor(1, 2, 3)}, 1),
+        glow::composeSettings(glow::TextSettings{Qt::red, Qt::black, QStringLiteral("abc 光"), 0, 2, 30, false, true},
+                              1),
+        glow::composeSettings(glow::EffectSettings{5, Qt::green, Qt::blue, 60, 1, false, false}, 4)};
     record.settingsText = settings.value(kind);
     return glow::writePattern(record);
 }

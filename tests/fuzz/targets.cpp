@@ -69,9 +69,9 @@ void runOldProject(const QByteArray &bytes)
 {
     const glow::OldProject project = glow::readOldProject(bytes);
     for (const glow::OldPattern &pattern : project.patterns) {
-        const glow::SettingsText settings = glow::parseSettings(pattern.settings);
-        promise(pattern.start.isValid() && pattern.end.isValid() && settings.kind() >= 0 && settings.kind() <= 3,
-                "an old pattern has times and a kind");
+        promise(pattern.start.isValid() && pattern.end.isValid(), "an old pattern has times");
+        const QString text = glow::composeSettings(pattern.settings, pattern.repeats.value_or(1));
+        promise(glow::parseSettings(text).complete, "an old pattern's settings can be written");
     }
 }
 

@@ -189,11 +189,11 @@ private:
     }
     TimelineItem *addPicture(const QString &path, int startMs)
     {
-        return add(patternBlob(glow::composePicture(1, path, 0, false, false), startMs));
+        return add(patternBlob(glow::composeSettings(glow::PictureSettings{path}, 1), startMs));
     }
     static QString pathOf(const TimelineItem *item)
     {
-        return glow::parseSettings(item->settingsText).picturePath();
+        return glow::sourcePicture(item->settingsText).value_or("none");
     }
 };
 

@@ -4,7 +4,6 @@
 #include "show/model/gadgetcatalogue.h"
 #include "show/model/missingpictures.h"
 #include "show/model/patternrecord.h"
-#include "show/model/settingstext.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -28,8 +27,8 @@ QJsonObject describePattern(const glow::PatternRecord &record)
                         {QStringLiteral("endMs"), glow::msOf(record.endTime)},
                         {QStringLiteral("repeats"), record.repeatCount},
                         {QStringLiteral("speed"), record.speedValue}};
-    if (glow::namesPicture(record.settingsText)) {
-        pattern[QStringLiteral("picture")] = glow::parseSettings(record.settingsText).picturePath();
+    if (const std::optional<QString> path = glow::sourcePicture(record.settingsText)) {
+        pattern[QStringLiteral("picture")] = *path;
         pattern[QStringLiteral("lost")] = glow::isPictureLost(record.settingsText);
     }
     return pattern;

@@ -25,7 +25,7 @@ void relinkPatterns(glow::Project &project, const QString &folder, int &found, i
             }
             const QString match = glow::findPicture(folder, glow::lostPictureName(record.settingsText));
             if (match.isEmpty()) {
-                complain(QStringLiteral("still lost: ") + glow::parseSettings(record.settingsText).picturePath());
+                complain(QStringLiteral("still lost: ") + *glow::sourcePicture(record.settingsText));
                 ++lost;
                 continue;
             }
@@ -114,15 +114,14 @@ int pictures(const QStringList &arguments)
     int missing = 0;
     for (const QVector<QByteArray> &blobs : qAsConst(project.tracks)) {
         for (const QByteArray &blob : blobs) {
-            const QString settings = glow::readPattern(blob).settingsText;
-            if (!glow::namesPicture(settings)) {
+            const std::optional<QString> source = glow::sourcePicture(glow::readPattern(blob).settingsText);
+            if (!source.has_value()) {
                 continue;
             }
-            const QString source = glow::parseSettings(settings).picturePath();
-            if (glow::copyPicture(source, folder)) {
+            if (glow::copyPicture(*source, folder)) {
                 ++copied;
-            } else if (!QFile::exists(source)) {
-                complain(QStringLiteral("lost: ") + source);
+            } else if (!QFile::exists(*source)) {
+                complain(QStringLiteral("lost: ") + *source);
                 ++missing;
             }
         }

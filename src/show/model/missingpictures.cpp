@@ -10,22 +10,28 @@ namespace glow {
 
 namespace {
 
-QString lostPath(const SettingsText &settings)
+// What is looked for of a path.
+QString lookedFor(const QString &path)
 {
-    return settings.value(0);
+    return path.section(u'|', 0, 0);
 }
 
 } // namespace
 
-bool namesPicture(const QString &settingsText)
+std::optional<QString> sourcePicture(const QString &settingsText)
 {
-    const SettingsText settings = parseSettings(settingsText);
-    return settings.isPicture() && settings.hasGroups();
+    const ParsedSettings parsed = parseSettings(settingsText);
+    if (!parsed.settings.has_value() || !parsed.repeats.has_value()) {
+        return std::nullopt;
+    }
+    const auto *picture = std::get_if<PictureSettings>(&*parsed.settings);
+    return picture != nullptr ? std::make_optional(picture->path) : std::nullopt;
 }
 
 bool isPictureLost(const QString &settingsText)
 {
-    return namesPicture(settingsText) && !QFile::exists(lostPath(parseSettings(settingsText)));
+    const std::optional<QString> path = sourcePicture(settingsText);
+    return path.has_value() && !QFile::exists(lookedFor(*path));
 }
 
 QString pictureName(const QString &path)
@@ -35,7 +41,7 @@ QString pictureName(const QString &path)
 
 QString lostPictureName(const QString &settingsText)
 {
-    return pictureName(lostPath(parseSettings(settingsText)));
+    return pictureName(lookedFor(sourcePicture(settingsText).value_or(QString())));
 }
 
 QString findPicture(const QString &directory, const QString &name)

@@ -4,10 +4,12 @@
 
 #include <QString>
 
+#include <optional>
+
 namespace glow {
 
-// Whether the settings are those of a picture pattern with a path.
-bool namesPicture(const QString &settingsText);
+// The source picture's path, whole, of the settings text of a picture pattern; nothing for any other text.
+std::optional<QString> sourcePicture(const QString &settingsText);
 
 // True for a picture pattern whose file does not exist. Of the path only what stands before the first "|" counts.
 bool isPictureLost(const QString &settingsText);

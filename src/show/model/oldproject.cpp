@@ -1,6 +1,5 @@
 #include "show/model/oldproject.h"
 
-#include "show/model/patternrecord.h"
 #include "show/model/settingstext.h"
 
 #include <QTextCodec>
@@ -22,22 +21,6 @@ QString decoded(const QByteArray &bytes)
     QTextCodec::ConverterState state;
     const QString text = QTextCodec::codecForMib(106)->toUnicode(bytes.constData(), bytes.size(), &state); // 106: UTF-8
     return state.invalidChars == 0 && state.remainingChars == 0 ? text : QString::fromLocal8Bit(bytes);
-}
-
-bool isComplete(const SettingsText &settings)
-{
-    const bool grouped = settings.fields.size() >= 4 && settings.flags.size() >= 3;
-    switch (settings.kind()) {
-    case PicturePattern:
-        return grouped;
-    case ColourPattern:
-        return settings.fields.size() >= 2;
-    case TextPattern:
-    case EffectPattern:
-        return grouped && settings.values.size() >= 5;
-    default:
-        return false;
-    }
 }
 
 // The first three fields of a line; fewer if it has fewer, nothing for a line that the editor cannot have written.
@@ -65,9 +48,9 @@ void readLine(const QStringRef &line, OldProject &project)
     const QString format = QStringLiteral("mm:ss.zzz");
     const QTime start = QTime::fromString(fields.at(0).toString(), format);
     const QTime end = QTime::fromString(fields.at(1).toString(), format);
-    const QString settings = fields.at(2).toString();
-    if (start.isValid() && end.isValid() && isComplete(parseSettings(settings))) {
-        project.patterns.append({start, end, settings});
+    const ParsedSettings parsed = parseSettings(fields.at(2).toString());
+    if (start.isValid() && end.isValid() && parsed.complete) {
+        project.patterns.append({start, end, *parsed.settings, parsed.repeats});
     }
 }
 

@@ -1,10 +1,13 @@
 // Projects in the old text form (".gsw"), which can be read and not written.
 #pragma once
 
+#include "show/model/patternsettings.h"
+
 #include <QByteArray>
-#include <QString>
 #include <QTime>
 #include <QVector>
+
+#include <optional>
 
 namespace glow {
 
@@ -13,7 +16,8 @@ struct OldPattern
 {
     QTime start;
     QTime end;
-    QString settings; // see settingstext.h; no part that its kind needs is missing
+    PatternSettings settings;
+    std::optional<int> repeats; // nothing for a colour, whose settings text has none
 };
 
 // The file is plain text, one record a line, the fields of a line separated by "><":

@@ -2,6 +2,7 @@
 // the clipboard and the history carry.
 #pragma once
 
+#include "show/model/patternsettings.h"
 #include "show/model/showtime.h"
 
 #include <QByteArray>
@@ -13,9 +14,6 @@
 class QDataStream;
 
 namespace glow {
-
-// What a pattern is made of. The numbers are the tab indices of the editor and stand in files.
-enum PatternKind { PicturePattern = 0, ColourPattern = 1, TextPattern = 2, EffectPattern = 3 };
 
 // The blob is a QDataStream dump with the stream's defaults, big-endian, no version set, fields in this order:
 //
