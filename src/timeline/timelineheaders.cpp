@@ -15,6 +15,15 @@ namespace {
 // y at which ticks and the hover line end, and below which the ruler paints nothing.
 constexpr int ticksBottom = 30;
 
+// A line as wide as a pixel, yet in whole dots of the screen: scaled by a broken number, lines side by side would
+// differ.
+QPen linePen(const QPainter &painter, const QColor &colour)
+{
+    QPen pen(colour, qMax(1, qRound(painter.device()->devicePixelRatioF())));
+    pen.setCosmetic(true);
+    return pen;
+}
+
 } // namespace
 
 TimelineHeaders::TimelineHeaders(QWidget *parent)
@@ -80,7 +89,7 @@ void TimelineHeaders::paintEvent(QPaintEvent *e)
     for (const glow::Tick &tick : exposed) {
         drawTick(painter, tick);
     }
-    painter.setPen(QColor(200, 255, 255, 255));
+    painter.setPen(linePen(painter, QColor(200, 255, 255, 255)));
     painter.drawLine(hoverPos.x(), rulerTop, hoverPos.x(), ticksBottom);
 }
 
@@ -89,15 +98,15 @@ void TimelineHeaders::drawTick(QPainter &painter, const glow::Tick &tick) const
     const int x = glow::truncated(static_cast<double>(tick.x));
     switch (glow::lineOfTick(tick.index, msPerPixel)) {
     case glow::TickLine::Long:
-        painter.setPen(QColor(150, 150, 150, 255));
+        painter.setPen(linePen(painter, QColor(150, 150, 150, 255)));
         painter.drawLine(x, rulerTop, x, ticksBottom);
         break;
     case glow::TickLine::Middle:
-        painter.setPen(QColor(120, 120, 120, 255));
+        painter.setPen(linePen(painter, QColor(120, 120, 120, 255)));
         painter.drawLine(x, rulerTop + 4, x, ticksBottom);
         break;
     case glow::TickLine::Short:
-        painter.setPen(QColor(100, 100, 100, 255));
+        painter.setPen(linePen(painter, QColor(100, 100, 100, 255)));
         painter.drawLine(x, rulerTop + 8, x, ticksBottom);
         break;
     case glow::TickLine::None:

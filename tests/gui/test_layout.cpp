@@ -1,8 +1,9 @@
 // The window as a user meets it: row labels beside their tracks, nothing cut off at the smallest size in either
-// language, and a name for every control.
+// language, a play-head that is always seen, and a name for every control.
 #include "forms/style.h"
 #include "support/windowcheck.h"
 #include "support/windowtest.h"
+#include "timeline/indicator.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineheaders.h"
 #include "ui_mainwindow.h"
@@ -11,6 +12,7 @@
 #include <QLabel>
 #include <QMessageBox>
 #include <QRegularExpression>
+#include <QScreen>
 #include <QTranslator>
 #include <QtTest>
 
@@ -129,6 +131,28 @@ private slots:
                 QTRY_COMPARE(cutOff(), QString());
             }
             QCOMPARE(window->size(), QSize(1000, 720));
+        }
+    }
+
+    // Scaled, a widget's pixel is a broken number of the screen's dots, and what is seen is up to their rounding.
+    void thePlayHeadIsSeenEverywhere()
+    {
+        Indicator *head = ui->timeline_headers->indicator;
+        const int bottom = head->parentWidget()->height() - head->y();
+        const int heights[] = {2, bottom / 2, bottom - 2};
+        for (int x = 0; x < 100; ++x) {
+            head->setIndicatorX(x, false);
+            const auto seen = [&] {
+                const QPoint place = head->mapToGlobal(QPoint(-2, 0));
+                const QImage dots = window->screen()->grabWindow(0, place.x(), place.y(), 5, bottom).toImage();
+                return std::all_of(std::begin(heights), std::end(heights), [&](int height) {
+                    int lit = 0;
+                    for (int column = 0; column < dots.width(); ++column)
+                        lit += dots.pixel(column, height * dots.height() / bottom) == qRgb(10, 250, 250);
+                    return lit >= 1 && lit <= qCeil(window->devicePixelRatioF());
+                });
+            };
+            QTRY_VERIFY2(seen(), qPrintable(QString::number(x)));
         }
     }
 
