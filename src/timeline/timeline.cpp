@@ -53,31 +53,14 @@ void disconnectSignals(QWidget *widget)
     }
 }
 
-glow::Span spanOf(const TimelineItem *item)
-{
-    return {glow::msOf(item->startTime), glow::msOf(item->endTime)};
-}
-
 QVector<glow::Span> spansOf(const QList<TimelineItem *> &items)
 {
     QVector<glow::Span> spans;
     spans.reserve(items.size());
     for (const TimelineItem *item : items) {
-        spans.append(spanOf(item));
+        spans.append(glow::spanOf(*item));
     }
     return spans;
-}
-
-// A bound that an edit leaves where it is keeps its very value, so that a null time stays one. Any other is that of
-// another pattern, foreign times beyond a day included: nothing wraps here.
-QTime bound(const QTime &present, int ms)
-{
-    return glow::msOf(present) == ms ? present : QTime::fromMSecsSinceStartOfDay(ms);
-}
-
-void applyTimes(TimelineItem *item, glow::Span times)
-{
-    item->setTimes(bound(item->startTime, times.start), bound(item->endTime, times.end));
 }
 
 } // namespace
@@ -170,7 +153,7 @@ void Timeline::sortItems()
             qDebug() << this << "remove" << item;
             releaseItem(item);
         } else {
-            applyTimes(item, edit.times);
+            item->setPlace(edit.times);
         }
     }
     items.clear();
@@ -239,7 +222,7 @@ void Timeline::on_itemDragEnd(const QByteArray &orig, TimelineItem *item, QWidge
     qDebug() << "id current" << id;
 
     const QList<TimelineItem *> before = items;
-    const auto edits = glow::settleSpans(spansOf(before), id, spanOf(item));
+    const auto edits = glow::settleSpans(spansOf(before), id, glow::spanOf(*item));
     for (const glow::SpanEdit &edit : edits) {
         TimelineItem *other = before.at(edit.index);
         switch (edit.kind) {
@@ -254,12 +237,12 @@ void Timeline::on_itemDragEnd(const QByteArray &orig, TimelineItem *item, QWidge
             rest->setMinimumWidth(glow::minimumItemWidth());
             rest->update_timeline_multi(false);
             addTimelineItem(rest);
-            applyTimes(other, edit.times);
-            applyTimes(rest, edit.rest);
+            other->setPlace(edit.times);
+            rest->setPlace(edit.rest);
             break;
         }
         case glow::SpanEdit::SetTimes:
-            applyTimes(other, edit.times);
+            other->setPlace(edit.times);
             break;
         }
     }

@@ -88,6 +88,12 @@ void TimelineItem::setTimes(const QTime &start, const QTime &end)
     update_timeline_multi(true);
 }
 
+void TimelineItem::setPlace(glow::Span place)
+{
+    glow::applySpan(*this, place, ledCount, frameRate);
+    update_timeline_multi(true);
+}
+
 void TimelineItem::on_itemDelete_clicked()
 {
     emit itemDeleted(this);

@@ -26,8 +26,10 @@ public:
     // Places the widget from its times at the present zoom; with rewrite runs updateData afterwards.
     void update_timeline_multi(bool rewrite);
 
-    // The only way in which a time of a placed item changes. In speed mode the repeat count follows.
+    // The only ways in which a time of a placed item changes: to times that the user gave, or to the place that a
+    // collision rule found (glow::applySpan). In speed mode the repeat count follows.
     void setTimes(const QTime &start, const QTime &end);
+    void setPlace(glow::Span place);
 
     QByteArray itemData;   // the serialised record, always in step with the members
     QFont itemFont;        // present and default-constructed; never stored

@@ -48,6 +48,8 @@ private:
         const QColor colour(startMs % 256, endMs % 256, 77);
         const QString settings = source.isEmpty() ? "1?#ff0000" : "0?1?" + source + "?0|0|0";
         glow::PatternRecord record = glow::readPattern(patternBlob(settings, startMs, endMs - startMs, colour));
+        record.startTime = QTime::fromMSecsSinceStartOfDay(startMs); // also beyond a day, as foreign projects have it
+        record.endTime = QTime::fromMSecsSinceStartOfDay(endMs);
         QPainter(&record.thumbnail).fillRect(20, 40, 20, 45, QColor(endMs % 256, 77, startMs % 256));
         record.repeatCount = repeats;
         record.speedValue = speed;
@@ -66,12 +68,13 @@ private slots:
         QRandomGenerator random(815);
         const auto number = [&random](int below) { return int(random.bounded(below)); };
         const QVector<QPair<qint16, float>> props{{36, 1333}, {70, 2100}, {120, 1800}};
-        for (int round = 0; round < 24; ++round) {
+        const QVector<int> shifts{0, glow::msPerDay - 1500, 3 * glow::msPerDay};
+        for (int round = 0; round < 18; ++round) {
             QVector<QVector<QByteArray>> tracks(1 + number(3));
             for (QVector<QByteArray> &track : tracks) {
                 for (int patterns = 1 + number(6); patterns > 0; --patterns) {
                     // A coarse grid of starts, so that equal ones and overlaps come up.
-                    const int start = number(20) * 150;
+                    const int start = shifts.at(round / 3 % 3) + number(6) * 150;
                     track << pattern(start, start + 50 + number(900), number(3) == 0 ? QString() : source,
                                      1 + number(20), number(10) * 2);
                 }

@@ -3,7 +3,6 @@
 #include "show/base/numbers.h"
 #include "show/model/collision.h"
 #include "show/model/projectfile.h"
-#include "show/model/repeatrules.h"
 
 #include <algorithm>
 
@@ -34,14 +33,13 @@ QVector<PatternRecord> exportedPatterns(const Project &project, int track)
     const QVector<QByteArray> blobs = project.tracks.value(track);
     for (const QByteArray &blob : blobs) {
         const PatternRecord record = readPattern(blob);
-        spans.append({msOf(record.startTime), msOf(record.endTime)});
+        spans.append(spanOf(record));
         records.append(record);
     }
     const SortedSpans sorted = sortSpans(spans);
     for (const SpanEdit &edit : sorted.edits) {
         if (edit.kind == SpanEdit::SetTimes) {
-            retime(records[edit.index], timeOf(edit.times.start), timeOf(edit.times.end), shownLeds(project),
-                   float(shownRate(project)));
+            applySpan(records[edit.index], edit.times, shownLeds(project), float(shownRate(project)));
         }
     }
     QVector<PatternRecord> ordered;

@@ -73,6 +73,19 @@ void retime(PatternRecord &record, const QTime &start, const QTime &end, int led
     }
 }
 
+Span spanOf(const PatternRecord &record)
+{
+    return {msOf(record.startTime), msOf(record.endTime)};
+}
+
+void applySpan(PatternRecord &record, Span place, int leds, float rate)
+{
+    const auto bound = [](const QTime &present, int ms) {
+        return msOf(present) == ms ? present : QTime::fromMSecsSinceStartOfDay(ms);
+    };
+    retime(record, bound(record.startTime, place.start), bound(record.endTime, place.end), leds, rate);
+}
+
 PatternRecord readPattern(const QByteArray &blob)
 {
     PatternRecord record;

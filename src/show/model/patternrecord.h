@@ -2,6 +2,7 @@
 // the clipboard and the history carry.
 #pragma once
 
+#include "show/model/collision.h"
 #include "show/model/patternsettings.h"
 #include "show/model/showtime.h"
 
@@ -44,6 +45,13 @@ int durationMs(const PatternRecord &record);
 
 // The one rule by which a placed pattern changes its times: in speed mode its repeat count follows (see repeatrules.h).
 void retime(PatternRecord &record, const QTime &start, const QTime &end, int leds, float rate);
+
+// The place of a pattern on its track; a null time counts as 0.
+Span spanOf(const PatternRecord &record);
+
+// Gives a pattern the place that a collision rule found for it. A bound that stays where it is keeps its very value, so
+// that a null time stays one. Any other is that of another pattern, foreign times beyond a day included: nothing wraps.
+void applySpan(PatternRecord &record, Span place, int leds, float rate);
 
 // Reads the eight fields without any check: what a short or foreign blob does not hold comes out as nulls, zeros and
 // empty strings. A thumbnail whose header claims a size beyond what any pattern has is not decoded and stays null, so
