@@ -6,6 +6,7 @@
 #include "show/image/devicedecode.h"
 #include "show/image/deviceimage.h"
 #include "show/image/projectshow.h"
+#include "show/image/showcheck.h"
 #include "show/image/showpicture.h"
 #include "show/model/missingpictures.h"
 #include "show/model/oldproject.h"
@@ -62,7 +63,13 @@ void runProject(const QByteArray &bytes)
     const glow::Project again = glow::readProject(glow::writeProject(project));
     promise(again.tracks == project.tracks && again.ledCount == project.ledCount && again.songPath == project.songPath,
             "a project read, written and read is the same");
-    exportImage(glow::showOfTrack(project, 0, glow::ShowOptions()));
+    const glow::DeviceShow show = glow::showOfTrack(project, 0, glow::ShowOptions());
+    for (const glow::Finding &finding : glow::checkShow(show, glow::planImage(show))) {
+        promise(finding.amount > 0 || finding.kind == glow::Finding::ShortColour ||
+                    finding.kind == glow::Finding::NoColumns,
+                "what is found has a size");
+    }
+    exportImage(show);
 }
 
 void runOldProject(const QByteArray &bytes)

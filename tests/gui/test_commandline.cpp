@@ -121,6 +121,15 @@ private slots:
         kinds.sort();
         QCOMPARE(kinds, QStringList({"gap", "overlap", "short-colour"}));
         QCOMPARE(run({"check", save({{pattern(1000, 2000, lost), pattern(2000, 3000, lost)}})}), 0);
+
+        // Foreign times can lie farther apart than an int reaches.
+        constexpr int least = std::numeric_limits<int>::min();
+        constexpr int most = std::numeric_limits<int>::max();
+        QCOMPARE(run({"check", save({{pattern(least, most), pattern(least + 500, most)}})}), 1);
+        const QByteArray found = process.readAllStandardOutput();
+        QVERIFY2(found.contains("begins 2147483648 ms before the start mark") &&
+                     found.contains("overlap by 4294966795 ms") && found.contains("\n2 found"),
+                 found);
     }
 
     void relinksAndGathersPictures()

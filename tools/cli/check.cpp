@@ -1,7 +1,7 @@
 // glowsmith-cli check: what the prop will not show as drawn.
 #include "cli.h"
 
-#include "show/image/projectshow.h"
+#include "show/image/showcheck.h"
 #include "show/model/showtime.h"
 
 #include <QJsonArray>
@@ -11,91 +11,54 @@ namespace cli {
 
 namespace {
 
-constexpr int mostEntries = 255;      // the header counts them in one byte
-constexpr int mostHeaderBytes = 2048; // what the prop's side is made for
-constexpr float blockMs = glow::blockMs;
-
-struct Finding
-{
-    QString kind; // a word for programs
-    int startMs = 0;
-    int endMs = 0;
-    QString text; // a sentence for people
-};
-
 QString span(int startMs, int endMs)
 {
     return glow::timeText(glow::timeOf(startMs)) + QStringLiteral(" - ") + glow::timeText(glow::timeOf(endMs));
 }
 
-void checkLeadIn(const glow::DeviceShow &show, QVector<Finding> &findings)
+// A word for programs.
+QString wordOf(const glow::Finding &finding)
 {
-    const int lead = show.patterns.first().startMs - show.startMarkMs;
-    if (lead > 0 && lead <= int(blockMs)) {
-        findings.append({QStringLiteral("lead-in"), show.startMarkMs, show.patterns.first().startMs,
-                         QStringLiteral("the first %1 ms before the first pattern are left out").arg(lead)});
-    } else if (lead < 0) {
-        findings.append({QStringLiteral("before-start"), show.patterns.first().startMs, show.startMarkMs,
-                         QStringLiteral("the first pattern begins %1 ms before the start mark").arg(-lead)});
-    }
+    static const QStringList words = {QStringLiteral("lead-in"),      QStringLiteral("before-start"),
+                                      QStringLiteral("overlap"),      QStringLiteral("gap"),
+                                      QStringLiteral("short-colour"), QStringLiteral("no-columns"),
+                                      QStringLiteral("entries"),      QStringLiteral("header")};
+    return words.at(finding.kind);
 }
 
-void checkNeighbours(const glow::ShowPattern &one, const glow::ShowPattern &next, QVector<Finding> &findings)
+// A sentence for people.
+QString sentenceOf(const glow::Finding &finding)
 {
-    const int gap = next.startMs - one.endMs;
-    if (gap < 0) {
-        findings.append({QStringLiteral("overlap"), next.startMs, one.endMs,
-                         QStringLiteral("two patterns overlap by %1 ms: everything behind comes later").arg(-gap)});
-    } else if (gap > 0 && gap <= int(blockMs)) {
-        findings.append({QStringLiteral("gap"), one.endMs, next.startMs,
-                         QStringLiteral("a gap of %1 ms is left out: everything behind comes earlier").arg(gap)});
+    switch (finding.kind) {
+    case glow::Finding::LeadIn:
+        return QStringLiteral("the first %1 ms before the first pattern are left out").arg(finding.amount);
+    case glow::Finding::BeforeStart:
+        return QStringLiteral("the first pattern begins %1 ms before the start mark").arg(finding.amount);
+    case glow::Finding::Overlap:
+        return QStringLiteral("two patterns overlap by %1 ms: everything behind comes later").arg(finding.amount);
+    case glow::Finding::Gap:
+        return QStringLiteral("a gap of %1 ms is left out: everything behind comes earlier").arg(finding.amount);
+    case glow::Finding::ShortColour:
+        return QStringLiteral("a colour of less than %1 ms is not shown").arg(finding.limit);
+    case glow::Finding::NoColumns:
+        return QStringLiteral("the pattern is too short to get a column and is not shown");
+    case glow::Finding::Entries:
+        return QStringLiteral("%1 entries: the prop's header counts at most %2").arg(finding.amount).arg(finding.limit);
+    case glow::Finding::Header:
+        return QStringLiteral("the header takes %1 bytes, the prop reads %2").arg(finding.amount).arg(finding.limit);
     }
+    return {};
 }
 
-QVector<Finding> checkShow(const glow::DeviceShow &show, const QVector<glow::ImageEntry> &entries)
-{
-    QVector<Finding> findings;
-    checkLeadIn(show, findings);
-    for (int i = 0; i < show.patterns.size(); ++i) {
-        const glow::ShowPattern &pattern = show.patterns.at(i);
-        if (pattern.isColour && pattern.endMs - pattern.startMs < int(blockMs)) {
-            findings.append({QStringLiteral("short-colour"), pattern.startMs, pattern.endMs,
-                             QStringLiteral("a colour of less than %1 ms is not shown").arg(int(blockMs))});
-        }
-        if (i + 1 < show.patterns.size()) {
-            checkNeighbours(pattern, show.patterns.at(i + 1), findings);
-        }
-    }
-    for (const glow::ImageEntry &entry : entries) {
-        if (entry.kind == glow::ImageEntry::Picture && entry.frames < 1) {
-            const glow::ShowPattern &pattern = show.patterns.at(entry.pattern);
-            findings.append({QStringLiteral("no-columns"), pattern.startMs, pattern.endMs,
-                             QStringLiteral("the pattern is too short to get a column and is not shown")});
-        }
-    }
-    if (entries.size() > mostEntries) {
-        findings.append(
-            {QStringLiteral("entries"), 0, 0,
-             QStringLiteral("%1 entries: the prop's header counts at most %2").arg(entries.size()).arg(mostEntries)});
-    }
-    const int headerBytes = glow::imageHeader(show, entries).size();
-    if (headerBytes > mostHeaderBytes) {
-        findings.append(
-            {QStringLiteral("header"), 0, 0,
-             QStringLiteral("the header takes %1 bytes, the prop reads %2").arg(headerBytes).arg(mostHeaderBytes)});
-    }
-    return findings;
-}
-
-QJsonObject asJson(const QVector<Finding> &findings, const glow::DeviceShow &show,
+QJsonObject asJson(const QVector<glow::Finding> &findings, const glow::DeviceShow &show,
                    const QVector<glow::ImageEntry> &entries)
 {
     QJsonArray list;
-    for (const Finding &finding : findings) {
-        list.append(QJsonObject{{QStringLiteral("kind"), finding.kind},
+    for (const glow::Finding &finding : findings) {
+        list.append(QJsonObject{{QStringLiteral("kind"), wordOf(finding)},
                                 {QStringLiteral("startMs"), finding.startMs},
                                 {QStringLiteral("endMs"), finding.endMs},
-                                {QStringLiteral("text"), finding.text}});
+                                {QStringLiteral("text"), sentenceOf(finding)}});
     }
     QJsonArray drifts;
     for (const glow::ImageEntry &entry : entries) {
@@ -109,13 +72,13 @@ QJsonObject asJson(const QVector<Finding> &findings, const glow::DeviceShow &sho
     return {{QStringLiteral("findings"), list}, {QStringLiteral("entries"), drifts}};
 }
 
-void printPlain(const QVector<Finding> &findings, const glow::DeviceShow &show,
+void printPlain(const QVector<glow::Finding> &findings, const glow::DeviceShow &show,
                 const QVector<glow::ImageEntry> &entries)
 {
-    for (const Finding &finding : findings) {
-        print(finding.startMs == finding.endMs
-                  ? finding.text
-                  : span(finding.startMs, finding.endMs) + QStringLiteral("  ") + finding.text);
+    for (const glow::Finding &finding : findings) {
+        const QString when =
+            finding.startMs == finding.endMs ? QString() : span(finding.startMs, finding.endMs) + QStringLiteral("  ");
+        print(when + sentenceOf(finding));
     }
     print(QStringLiteral("entry  pattern  repeats  frames  drift behind it"));
     int number = 0;
@@ -152,7 +115,7 @@ int check(const QStringList &arguments)
         return code;
     }
     const QVector<glow::ImageEntry> entries = glow::planImage(show);
-    const QVector<Finding> findings = checkShow(show, entries);
+    const QVector<glow::Finding> findings = glow::checkShow(show, entries);
     if (command.parser.isSet(json)) {
         printJson(asJson(findings, show, entries));
     } else {
