@@ -94,6 +94,25 @@ private slots:
         }
     }
 
+    void anExportThatFailsOrIsCutSaysSo()
+    {
+        const QString source = env->path("p.png");
+        const QString bin = env->path("old.bin");
+        QVERIFY(put(bin, "the older show"));
+        // No file may grow beyond a block, as on a full disk.
+        const QString path = save({{pattern(0, 5000, source)}});
+        const QString line = "trap '' XFSZ; ulimit -f 1; exec \"$0\" export \"$1\" -o \"$2\"";
+        process.start("sh", {"-c", line, GLOWSMITH_CLI, path, bin});
+        QVERIFY(process.waitForFinished(60000));
+        QCOMPARE(process.exitCode(), 1);
+        QVERIFY(process.readAllStandardError().contains("old.bin: "));
+        QCOMPARE(contentOf(bin), QByteArray("the older show"));
+
+        // A day in one copy is more than is ever stored.
+        QCOMPARE(run({"export", save({{pattern(0, 86399999, source, 1)}}, 80, 2100), "-o", bin}), 0);
+        QVERIFY(process.readAllStandardError().startsWith("warning: "));
+    }
+
     void tellsWhatAProjectHoldsAndWhatThePropWillNotShow()
     {
         const QString lost = "/gone/a.png";

@@ -27,6 +27,13 @@ void complain(const QString &line)
     QTextStream(stderr) << line << Qt::endl;
 }
 
+void warnIfCut(const glow::ImageSummary &summary)
+{
+    if (summary.cut) {
+        complain(QStringLiteral("warning: the show is longer than any prop holds, its last pictures are left out"));
+    }
+}
+
 Command::Command(const QString &commandName, const QString &does, const QString &example)
     : name(commandName)
 {

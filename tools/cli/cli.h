@@ -28,6 +28,9 @@ void print(const QString &line);
 void printJson(const QJsonObject &facts); // in UTF-8, whatever the terminal's encoding
 void complain(const QString &line);
 
+// A warning if the image does not hold all of its show.
+void warnIfCut(const glow::ImageSummary &summary);
+
 // A parser whose help shows the command, what it does, the arguments and an example.
 struct Command
 {

@@ -1,15 +1,19 @@
 // glowsmith-cli export and show: a track as the prop's own format, and as the picture that comes of it.
 #include "cli.h"
 
+#include "show/base/wholefile.h"
 #include "show/image/binfile.h"
 #include "show/image/devicedecode.h"
 #include "show/image/projectshow.h"
 #include "show/image/showpicture.h"
+#include "show/model/showtime.h"
 
 #include <QBuffer>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
+
+#include <optional>
 
 namespace cli {
 
@@ -20,16 +24,37 @@ struct ImageParts
 {
     QByteArray frameData;
     QByteArray header;
-
-    explicit ImageParts(const glow::DeviceShow &show)
-    {
-        QBuffer frames(&frameData);
-        QBuffer head(&header);
-        frames.open(QIODevice::WriteOnly);
-        head.open(QIODevice::WriteOnly);
-        glow::writeDeviceImage(show, frames, head);
-    }
 };
+
+// Nothing, after a complaint, if the image is larger than an array of bytes can be.
+std::optional<ImageParts> imageOf(const glow::DeviceShow &show)
+{
+    ImageParts parts;
+    QBuffer frames(&parts.frameData);
+    QBuffer header(&parts.header);
+    frames.open(QIODevice::WriteOnly);
+    header.open(QIODevice::WriteOnly);
+    const glow::ImageSummary summary = glow::writeDeviceImage(show, frames, header);
+    if (parts.frameData.size() != summary.frameBytes) {
+        complain(QStringLiteral("the show takes %1 bytes and does not fit into memory").arg(summary.frameBytes));
+        return std::nullopt;
+    }
+    warnIfCut(summary);
+    return parts;
+}
+
+QByteArray binOf(ImageParts &parts)
+{
+    QByteArray bin;
+    QBuffer header(&parts.header);
+    QBuffer frames(&parts.frameData);
+    QBuffer out(&bin);
+    header.open(QIODevice::ReadOnly);
+    frames.open(QIODevice::ReadOnly);
+    out.open(QIODevice::WriteOnly);
+    glow::writeBin(header, frames, out);
+    return bin;
+}
 
 bool readBin(const QString &path, glow::DecodedShow &decoded)
 {
@@ -48,10 +73,9 @@ bool chosenShow(const Command &command, const TrackChoice &choice, glow::DeviceS
 {
     glow::ShowOptions options;
     options.loop = !command.parser.isSet(choice.once);
-    constexpr int msPerDay = 24 * 60 * 60 * 1000;
     int track = 1;
     if (!command.number(choice.slot, 1, 8, options.slot) ||
-        !command.number(choice.startMark, 0, msPerDay, options.startMarkMs)) {
+        !command.number(choice.startMark, 0, glow::msPerDay, options.startMarkMs)) {
         code = WrongUse;
         return false;
     }
@@ -96,22 +120,18 @@ int exportShow(const QStringList &arguments)
     if (!chosenShow(command, choice, show, code)) {
         return code;
     }
-    ImageParts parts(show);
-    QBuffer header(&parts.header);
-    QBuffer frames(&parts.frameData);
-    QFile file(command.parser.value(out));
-    header.open(QIODevice::ReadOnly);
-    frames.open(QIODevice::ReadOnly);
-    if (!file.open(QIODevice::WriteOnly)) {
-        complain(QStringLiteral("%1: %2").arg(file.fileName(), file.errorString()));
+    std::optional<ImageParts> parts = imageOf(show);
+    if (!parts) {
         return Failed;
     }
-    glow::writeBin(header, frames, file);
-    if (!file.flush() || file.error() != QFileDevice::NoError) {
-        complain(QStringLiteral("%1: %2").arg(file.fileName(), file.errorString()));
+    const QString path = command.parser.value(out);
+    const QByteArray bin = binOf(*parts);
+    const glow::WriteResult written = glow::writeWholeFile(path, bin);
+    if (written.state != glow::WriteResult::Written) {
+        complain(QStringLiteral("%1: %2").arg(path, written.error));
         return Failed;
     }
-    print(QStringLiteral("%1: %2 patterns, %3 bytes").arg(file.fileName()).arg(show.patterns.size()).arg(file.size()));
+    print(QStringLiteral("%1: %2 patterns, %3 bytes").arg(path).arg(show.patterns.size()).arg(bin.size()));
     return Done;
 }
 
@@ -147,8 +167,11 @@ int show(const QStringList &arguments)
         if (!chosenShow(command, choice, chosen, code)) {
             return code;
         }
-        const ImageParts parts(chosen);
-        decoded = glow::decodeImage(parts.header, parts.frameData);
+        const std::optional<ImageParts> parts = imageOf(chosen);
+        if (!parts) {
+            return Failed;
+        }
+        decoded = glow::decodeImage(parts->header, parts->frameData);
     }
     for (const QString &problem : qAsConst(decoded.problems)) {
         complain(QStringLiteral("%1: %2").arg(command.operand(0), problem));

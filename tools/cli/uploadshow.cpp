@@ -91,8 +91,8 @@ bool writeParts(const glow::DeviceShow &show, QFile &frames, QFile &header)
     }
     frames.close();
     header.close();
-    if (whole && summary.cut) {
-        complain(QStringLiteral("warning: the show is longer than any prop holds, its last pictures are left out"));
+    if (whole) {
+        warnIfCut(summary);
     }
     return whole;
 }
