@@ -3,6 +3,7 @@
 
 #include "app/recovery.h"
 #include "show/base/appsettings.h"
+#include "timeline/gesture.h"
 #include "timeline/mylabel.h"
 #include "timeline/timeline.h"
 #include "ui_mainwindow.h"
@@ -20,14 +21,15 @@ void MainWindow::discardTracks()
     const auto tracks = findChildren<Timeline *>();
     for (Timeline *track : tracks) {
         track->hide();
+        track->disconnect(this); // a gesture that is under way on it may still say something
         ui->timeline_layout->removeWidget(track);
-        track->deleteLater();
+        glow::Gesture::deleteAfterwards(track);
     }
     const auto labels = findChildren<MyLabel *>();
     for (MyLabel *label : labels) {
         label->hide();
         ui->timeline_rowheader_layout->removeWidget(label);
-        label->deleteLater();
+        glow::Gesture::deleteAfterwards(label);
     }
     timelines.clear();
     currentTimeline = nullptr;

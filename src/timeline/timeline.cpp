@@ -5,6 +5,7 @@
 #include "show/model/collision.h"
 #include "show/model/timescale.h"
 #include "timeline/dragformat.h"
+#include "timeline/gesture.h"
 #include "timeline/indicator.h"
 #include "timeline/mylabel.h"
 #include "timeline/timelineheaders.h"
@@ -256,6 +257,7 @@ void Timeline::on_itemDragEnd(const QByteArray &orig, TimelineItem *item, QWidge
 
 void Timeline::pressed(QMouseEvent *e, const QWidget *source)
 {
+    const glow::Gesture gesture;
     emit timelinePressed(this, true);
     if (e->button() == Qt::RightButton) {
         QMenu menu(tr("圖樣"), this);

@@ -5,6 +5,7 @@
 #include "show/model/propvalues.h"
 #include "show/model/timescale.h"
 #include "timeline/dragformat.h"
+#include "timeline/gesture.h"
 
 #include <QDrag>
 #include <QGuiApplication>
@@ -13,7 +14,6 @@
 #include <QMouseEvent>
 #include <QPaintEvent>
 #include <QPainter>
-#include <QPointer>
 
 #include <algorithm>
 
@@ -112,6 +112,7 @@ void TimelineItem::on_itemCut_clicked()
 
 void TimelineItem::mousePressEvent(QMouseEvent *e)
 {
+    const glow::Gesture gesture;
     raise();
     e->accept();
     if (e->button() == Qt::RightButton) {
@@ -123,8 +124,7 @@ void TimelineItem::mousePressEvent(QMouseEvent *e)
 
 void TimelineItem::mouseMoveEvent(QMouseEvent *e)
 {
-    const bool body = e->x() >= edgeMargin && e->x() <= width() - edgeMargin;
-    setCursor(body ? Qt::OpenHandCursor : Qt::SplitHCursor);
+    setCursor(zoneAt(e->x()) == Zone::Body ? Qt::OpenHandCursor : Qt::SplitHCursor);
     // The track hands it on to the ruler's hover line.
     e->ignore();
 }
@@ -149,51 +149,75 @@ void TimelineItem::showContextMenu(const QPoint &globalPos)
     menu.addAction(tr("複製"), this, &TimelineItem::on_itemCopy_clicked);
     menu.addAction(tr("剪下"), this, &TimelineItem::on_itemCut_clicked);
     emit itemClicked(this, false);
-    menu.exec(globalPos);
+    if (!glow::Gesture::isPointless()) {
+        menu.exec(globalPos);
+    }
+}
+
+TimelineItem::Zone TimelineItem::zoneAt(int x) const
+{
+    if (x < edgeMargin) {
+        return Zone::LeftEdge;
+    }
+    return x > width() - edgeMargin ? Zone::RightEdge : Zone::Body;
+}
+
+QMimeData *TimelineItem::mimeFor(Zone zone, int grabX) const
+{
+    const QByteArray header = glow::writeDragHeader({x(), grabX, itemId});
+    auto *data = new QMimeData;
+    data->setData(glow::mimeItem, header);
+    switch (zone) {
+    case Zone::LeftEdge:
+        data->setData(glow::mimeLeftEdge, header);
+        break;
+    case Zone::RightEdge:
+        data->setData(glow::mimeRightEdge, header);
+        break;
+    case Zone::Body:
+        data->setData(glow::mimePattern, itemData);
+        break;
+    }
+    return data;
 }
 
 void TimelineItem::runDrag(const QPoint &pos)
 {
     selected = 1;
     const QByteArray orig = itemData;
-    const QByteArray header = glow::writeDragHeader({x(), pos.x(), itemId});
     const QRect before = geometry();
     QWidget *const origParent = parentWidget();
 
+    const Zone zone = zoneAt(pos.x());
+    setCursor(zone == Zone::Body ? Qt::ClosedHandCursor : Qt::SplitHCursor);
     auto *drag = new QDrag(this);
-    auto *data = new QMimeData;
-    setCursor(Qt::ClosedHandCursor);
-    data->setData(glow::mimeItem, header);
-    if (pos.x() < edgeMargin) {
-        setCursor(Qt::SplitHCursor);
-        data->setData(glow::mimeLeftEdge, header);
-    } else if (pos.x() > width() - edgeMargin) {
-        setCursor(Qt::SplitHCursor);
-        data->setData(glow::mimeRightEdge, header);
-    } else {
-        data->setData(glow::mimePattern, itemData);
-    }
-    drag->setMimeData(data);
+    drag->setMimeData(mimeFor(zone, pos.x()));
     drag->setHotSpot(pos);
     pressPos = mapToParent(pos);
 
-    const QPointer<TimelineItem> self(this);
     const bool held = QGuiApplication::mouseButtons().testFlag(Qt::LeftButton);
     emit itemClicked(this, false);
-    emit dragBegins(this);
-
-    // Loading the item can have asked the user something. With the button long up nothing would ever end a drag.
-    const bool released = held && !QGuiApplication::mouseButtons().testFlag(Qt::LeftButton);
-    Qt::DropAction result = Qt::IgnoreAction;
-    if (released) {
-        delete drag;
-    } else {
-        result = drag->exec(Qt::MoveAction);
-    }
-    if (self.isNull() || result == Qt::MoveAction) {
+    if (glow::Gesture::isPointless()) {
         return;
     }
+    emit dragBegins(this);
+    if (execWhileHeld(drag, held) != Qt::MoveAction && !glow::Gesture::isPointless()) {
+        settleAfterDrag(orig, before, origParent);
+    }
+}
 
+Qt::DropAction TimelineItem::execWhileHeld(QDrag *drag, bool heldBefore)
+{
+    // Loading the item can have asked the user something. With the button long up nothing would ever end a drag.
+    if (heldBefore && !QGuiApplication::mouseButtons().testFlag(Qt::LeftButton)) {
+        delete drag;
+        return Qt::IgnoreAction;
+    }
+    return drag->exec(Qt::MoveAction);
+}
+
+void TimelineItem::settleAfterDrag(const QByteArray &orig, const QRect &before, QWidget *origParent)
+{
     setCursor(Qt::OpenHandCursor);
     if (geometry() != before) {
         setTimes(glow::timeOf(glow::roundedTimeOfPixel(x())), glow::timeOf(glow::roundedTimeOfPixel(x() + width())));

@@ -7,6 +7,9 @@
 #include <QPoint>
 #include <QPushButton>
 
+class QDrag;
+class QMimeData;
+
 class TimelineItem : public QPushButton, public glow::PatternRecord
 {
     Q_OBJECT
@@ -62,8 +65,19 @@ protected:
     void paintEvent(QPaintEvent *e) override;
 
 private:
+    // What a press takes hold of: an edge to pull, or the whole pattern.
+    enum class Zone { LeftEdge, Body, RightEdge };
+    Zone zoneAt(int x) const;
+    QMimeData *mimeFor(Zone zone, int grabX) const; // a drag's data (see dragformat.h)
+
     void showContextMenu(const QPoint &globalPos);
+
+    // The whole gesture of the left button, from the press at pos to the release.
     void runDrag(const QPoint &pos);
+    // Runs the drag until the button is released, or not at all if that has happened since heldBefore was asked.
+    // MoveAction means that another program has taken the pattern.
+    Qt::DropAction execWhileHeld(QDrag *drag, bool heldBefore);
+    void settleAfterDrag(const QByteArray &orig, const QRect &before, QWidget *origParent);
 
     // What updateData wrote last, shared with itemData until somebody changes that, and how much of it is the thumbnail
     // of that key: an unchanged thumbnail need not be encoded again.

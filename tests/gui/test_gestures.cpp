@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QDrag>
+#include <QPointer>
 #include <QToolTip>
 
 class TestGestures : public ShowTest
@@ -176,6 +177,46 @@ private slots:
         QTRY_COMPARE(answered, 2);
         QVERIFY(dialogs.done());
         QVERIFY(item->findChildren<QDrag *>().isEmpty() && current()->dragItem == nullptr);
+    }
+
+    void theShowMayGoInTheMiddleOfAGesture()
+    {
+        // Opening a pattern whose picture is lost asks about it; another show is opened while the question stands.
+        QPointer<TimelineItem> item;
+        const auto openAnother = [&](QDialog *question) {
+            window->LoadFile("no such show.gsw3");
+            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+            question->reject();
+        };
+        const QString lost = "0?1?/gone.png?0|0|0";
+        for (const Qt::MouseButton button : {Qt::LeftButton, Qt::RightButton}) {
+            item = add(current(), 1000, 3000, lost);
+            DialogDriver dialogs;
+            dialogs.answerWith(openAnother);
+            mouse->click(item, QPoint(50, 22), button);
+            QVERIFY(dialogs.done() && item.isNull() && QApplication::activePopupWidget() == nullptr);
+            QTRY_VERIFY(current()->isVisible() && current()->width() == 30000);
+        }
+
+        // Pasted from the track's menu, which goes with the track.
+        item = add(current(), 1000, 3000, lost);
+        item->on_itemCopy_clicked();
+        current()->deleteTimelineItem(item);
+        item.clear();
+        DialogDriver dialogs;
+        dialogs.answerWith([&](QDialog *question) {
+            item = current()->items.first();
+            openAnother(question);
+        });
+        mouse->menu(current(), QPoint(500, 22), "貼上");
+        QVERIFY(dialogs.done() && item.isNull());
+        QTRY_VERIFY(current()->isVisible() && current()->width() == 30000);
+
+        // While the pattern is dragged.
+        item = add(current(), 1000, 3000);
+        const MouseDriver::Step elsewhere{ui->frame_3, QPoint(500, 10), {}};
+        QVERIFY(drag(item, 50, {to(170, [&] { window->LoadFile("no such show.gsw3"); }), elsewhere, elsewhere}));
+        QVERIFY(item.isNull());
     }
 
     void clickedItemIsRemovedByMenuAndKey()
