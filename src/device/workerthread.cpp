@@ -58,12 +58,15 @@ void WorkerThread::kill()
     while (phase == Phase::NotBegun && isRunning()) {
         phaseChanged.wait(&gate, 20);
     }
-    // Ending a thread a second time can hit another one that took over its identity. It cannot end while the gate is
-    // held.
-    if (phase != Phase::Running || killed) {
+    if (phase == Phase::NotBegun || killed) {
         return;
     }
     killed = true;
+    // Ending a thread a second time can hit another one that took over its identity. It cannot end while the gate is
+    // held.
+    if (phase != Phase::Running) {
+        return;
+    }
     const QDeadlineTimer patience(standStillMs);
     while (phase != Phase::Standing && !patience.hasExpired()) {
         phaseChanged.wait(&gate, patience);

@@ -36,7 +36,7 @@ public:
     // True when serial is open on a port whose device has spoken.
     bool findDevice();
 
-    // What a killed thread reported before it was killed may still be on its way.
+    // What a thread reported before the kill may still be on its way, even its last words, if it ended just before.
     bool wasKilled() const { return killed; }
 
 signals:

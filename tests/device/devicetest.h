@@ -49,20 +49,20 @@ public:
     }
 };
 
-// An upload of the files in the working directory, with all that it reported, in order.
+// An upload of the files in the working directory, with all that it reported, in order and as it was emitted. One that
+// was killed is never destroyed, as in the program.
 struct Upload
 {
     Upload()
     {
-        auto *app = QCoreApplication::instance();
         thread.waitMs = deviceWaitMs;
-        QObject::connect(&thread, &WorkerThread::progress, app, [this](int percent, int port) {
+        QObject::connect(&thread, &WorkerThread::progress, [this](int percent, int port) {
             steps << percent;
             ports << port;
         });
-        QObject::connect(&thread, &WorkerThread::expmess, app, [this](const QString &text) { words << text; });
-        QObject::connect(&thread, &WorkerThread::finish, app, [this] { words << "finish"; });
-        QObject::connect(&thread, &WorkerThread::terminated, app, [this] { words << "terminated"; });
+        QObject::connect(&thread, &WorkerThread::expmess, [this](const QString &text) { words << text; });
+        QObject::connect(&thread, &WorkerThread::finish, [this] { words << "finish"; });
+        QObject::connect(&thread, &WorkerThread::terminated, [this] { words << "terminated"; });
     }
 
     // Runs it to its end; what it said, but for the progress.
@@ -72,8 +72,15 @@ struct Upload
         if (!thread.wait(longest)) {
             return "does not end";
         }
-        QCoreApplication::processEvents(); // delivers what the thread has said
         return words.join(' ') + (thread.serial->isOpen() ? ", port open" : "");
+    }
+
+    // Kills it; false if it said anything behind that, or does not end.
+    bool kill()
+    {
+        thread.kill();
+        const int said = steps.size() + words.size();
+        return thread.wait(longest) && said == steps.size() + words.size();
     }
 
     WorkerThread thread;

@@ -1,31 +1,32 @@
 // The upload button: what the window shows and allows in each state of an upload.
-#include "device/devicewindow.h"
+#include "device/devicetest.h"
 
-#include "device/workerthread.h"
 #include "support/dialogdriver.h"
 
+#include <QPointer>
 #include <QRandomGenerator>
 
 namespace {
 
-constexpr int longest = 60000; // milliseconds, for an upload on a busy machine
-const QString rest = QStringLiteral("上傳至道具");
-const QString sending = QStringLiteral("傳輸中...");
-const QString uploaded = QStringLiteral("上傳完成");
+const QString rest = "上傳至道具";
+const QString sending = "傳輸中...";
+const QString uploaded = "上傳完成";
 
-// A window with a show of so many seconds on its track, 6 KB each.
-class UploadWindow : public DeviceWindow
+} // namespace
+
+class TestUploadButton : public DeviceTest
 {
-public:
-    explicit UploadWindow(int seconds)
-        : DeviceWindow(80, 100)
-    {
-        for (int i = 0; i < seconds; ++i) {
-            add(glow::ColourPattern, i * 1000, i * 1000 + 1000, QColor(255, i, 0));
-        }
-    }
+    Q_OBJECT
 
-    // A whole upload; the text of the box that it ends with.
+private slots:
+    void uploads();
+    void endsInTrouble();
+    void cancelsAtAnyMoment();
+    void replyInTheMomentOfTheCancel();
+    void windowGoes();
+
+private:
+    // A whole upload; the title and text of the box that it ends with.
     QString upload(bool withBox = true) const
     {
         DialogDriver driver;
@@ -34,9 +35,9 @@ public:
         }
         ui->UPload_Button->click();
         const auto isOver = [&] { return window->uploadThread == nullptr && driver.done(); };
-        return !QTest::qWaitFor(isOver, longest) ? QStringLiteral("does not end")
-               : driver.boxes().isEmpty()        ? QStringLiteral("no box")
-                                                 : driver.boxes().last().text;
+        return !QTest::qWaitFor(isOver, longest) ? "does not end"
+               : driver.boxes().isEmpty()        ? "no box"
+                                                 : driver.boxes().last().title + driver.boxes().last().text;
     }
 
     // At rest, as after an upload that ended with a box.
@@ -44,156 +45,117 @@ public:
     {
         return ui->UPload_Button->text() == rest && ui->GLWidget->isEnabled() && ui->Ex_Button->isEnabled();
     }
-};
 
-} // namespace
+    // Begins an upload and waits until it is on its way.
+    WorkerThread *beginUpload() const
+    {
+        ui->progressBar->setValue(0);
+        ui->UPload_Button->click();
+        if (!QTest::qWaitFor([this] { return ui->progressBar->value() > 0; }, longest)) {
+            QTest::qFail("nothing is sent", __FILE__, __LINE__);
+        }
+        return window->uploadThread;
+    }
 
-class TestUploadButton : public QObject
-{
-    Q_OBJECT
-
-private slots:
-    void uploads();
-    void endsInTrouble();
-    void silentEndKeepsTheText();
-    void cancels();
-    void cancelsAtRandom();
+    // Cancels, and answers the box that says so; false if anything else comes, now or later.
+    bool cancel(const WorkerThread *thread) const
+    {
+        DialogDriver driver;
+        driver.answerBox(QMessageBox::Ok);
+        ui->UPload_Button->click();
+        const bool ended = const_cast<WorkerThread *>(thread)->wait(longest);
+        QCoreApplication::processEvents();
+        const DialogDriver::Box box = driver.boxes().value(0);
+        return ended && driver.done() && box.icon == QMessageBox::Warning && box.title == "已取消上傳" &&
+               box.text == box.title && window->uploadThread == nullptr && ui->progressBar->value() == 0 &&
+               ui->UPload_Button->text() == rest && !ui->GLWidget->isEnabled();
+    }
 };
 
 void TestUploadButton::uploads()
 {
-    UploadWindow on(10);
-    SimulatedProp prop;
-    QVERIFY(prop.start(on.port(5)));
+    addSeconds(10);
+    const Prop prop(5);
     DialogDriver driver;
     driver.answerBox(QMessageBox::Ok);
     QStringList messages;
-    connect(on.ui->statusBar, &QStatusBar::messageChanged, this,
-            [&](const QString &text) { messages << text + QStringLiteral(" = %1").arg(on.ui->progressBar->value()); });
-    on.ui->prop_track->setCurrentIndex(3);
-    QCOMPARE(on.ui->UPload_Button->text(), rest);
-    on.ui->actionUpload->trigger();
-    QVERIFY(on.window->uploadThread != nullptr);
-    QCOMPARE(on.ui->UPload_Button->text(), sending);
-    QVERIFY(!on.ui->GLWidget->isEnabled());
-    QTRY_VERIFY_WITH_TIMEOUT(on.window->uploadThread == nullptr, longest);
-    QVERIFY(driver.done());
-    QCOMPARE(driver.boxes().at(0).title, QStringLiteral("完成"));
-    QCOMPARE(driver.boxes().at(0).text, uploaded);
-    QVERIFY(on.isAtRest());
-    QCOMPARE(on.ui->progressBar->value(), 100);
+    connect(ui->statusBar, &QStatusBar::messageChanged, this,
+            [&](const QString &text) { messages << text + QString(" = %1").arg(ui->progressBar->value()); });
+    ui->prop_track->setCurrentIndex(3);
+    ui->actionUpload->trigger();
+    QCOMPARE(ui->UPload_Button->text(), sending);
+    QVERIFY(!ui->GLWidget->isEnabled());
+    QTRY_VERIFY_WITH_TIMEOUT(window->uploadThread == nullptr, longest);
+    QCOMPARE(driver.boxes().value(0).title + driver.boxes().value(0).text, "完成" + uploaded);
+    QVERIFY(driver.done() && isAtRest());
+    QCOMPARE(ui->progressBar->value(), 100);
     // 60262 bytes in 30 pieces, the last one from 29 * 202752 / 60262 = 97 percent; the bar follows the text.
-    QCOMPARE(messages.first(), QStringLiteral("COM5 輸出中 0% = 0"));
-    QCOMPARE(messages.last(), QStringLiteral("COM5 輸出中 100% = 97"));
+    QCOMPARE(messages.first(), QString("COM5 輸出中 0% = 0"));
+    QCOMPARE(messages.last(), QString("COM5 輸出中 100% = 97"));
     QVERIFY(messages.size() > 20);
-    const PropSession session = prop.sessions().last();
-    QCOMPARE(session.track, 4);
-    QCOMPARE(session.received, fileBytes(QStringLiteral("extemp2.tmp")).chopped(2) + fileBytes("extemp.tmp"));
+    QCOMPARE(prop.sessions().last().track, 4);
+    QCOMPARE(prop.sessions().last().received, wholeUpload());
 }
 
 void TestUploadButton::endsInTrouble()
 {
+    QCOMPARE(upload(), QString("無可上傳圖樣請選擇正確之時間軸"));
+    QVERIFY(!QFile::exists("extemp.tmp"));
+    addSeconds(3);
+    QCOMPARE(upload(), QString("<font color='white'>偵測不到裝置！</font>"));
+    QVERIFY(isAtRest());
     {
-        DeviceWindow empty;
-        DialogDriver driver;
-        driver.answerBox(QMessageBox::Ok);
-        empty.ui->UPload_Button->click();
-        QVERIFY(driver.done());
-        QCOMPARE(driver.boxes().at(0).icon, QMessageBox::Warning);
-        QCOMPARE(driver.boxes().at(0).title, QStringLiteral("無可上傳圖樣"));
-        QCOMPARE(driver.boxes().at(0).text, QStringLiteral("請選擇正確之時間軸"));
-        QVERIFY(empty.window->uploadThread == nullptr && !QFile::exists(QStringLiteral("extemp.tmp")));
+        const Prop prop(0, greets("Wait", 20, "ERR"));
+        QCOMPARE(upload(), QString("<font color='white'>ERROR02</font>"));
+        QVERIFY(isAtRest());
     }
-    const UploadWindow on(1);
-    QCOMPARE(on.upload(), QStringLiteral("<font color='white'>偵測不到裝置！</font>"));
-    QVERIFY(on.isAtRest());
     {
+        // A silent end keeps the text.
         PropBehaviour behaviour;
-        behaviour.reply = "ERR";
-        SimulatedProp prop(behaviour);
-        QVERIFY(prop.start(on.port(0)));
-        QCOMPARE(on.upload(), QStringLiteral("<font color='white'>ERROR02</font>"));
-        QVERIFY(on.isAtRest());
+        behaviour.vanishAfter = 10000;
+        const Prop prop(0, behaviour);
+        ui->Ex_Button->setEnabled(false);
+        QCOMPARE(upload(false), QString("no box"));
+        QCOMPARE(ui->UPload_Button->text(), sending);
+        QVERIFY(!ui->GLWidget->isEnabled() && !ui->Ex_Button->isEnabled());
     }
-    SimulatedProp prop; // and the next one works
-    QVERIFY(prop.start(on.port(0)));
-    QCOMPARE(on.upload(), uploaded);
+    const Prop prop; // and a click starts anew
+    QCOMPARE(upload(), "完成" + uploaded);
+    QVERIFY(isAtRest());
 }
 
-void TestUploadButton::silentEndKeepsTheText()
+void TestUploadButton::cancelsAtAnyMoment()
 {
-    const UploadWindow on(10);
-    PropBehaviour behaviour;
-    behaviour.vanishAfter = 10000;
-    SimulatedProp prop(behaviour);
-    QVERIFY(prop.start(on.port(0)));
-    QCOMPARE(on.upload(false), QStringLiteral("no box"));
-    QCOMPARE(on.ui->UPload_Button->text(), sending);
-    QVERIFY(!on.ui->GLWidget->isEnabled() && !on.ui->Ex_Button->isEnabled());
-    SimulatedProp back; // a click starts anew
-    QVERIFY(back.start(on.port(0)));
-    QCOMPARE(on.upload(), uploaded);
-    QVERIFY(on.isAtRest());
-}
-
-void TestUploadButton::cancels()
-{
-    const UploadWindow on(250); // some seconds of sending
-    SimulatedProp prop;
-    QVERIFY(prop.start(on.port(0)));
-    QScopedPointer<DialogDriver> driver(new DialogDriver);
-    on.ui->UPload_Button->click();
-    WorkerThread *thread = on.window->uploadThread;
-    QTRY_VERIFY_WITH_TIMEOUT(on.ui->progressBar->value() > 5, longest);
-    QSignalSpy cancelled(on.window.data(), &MainWindow::Upload_Cancel_Clicked);
-    driver->answerBox(QMessageBox::Ok);
-    on.ui->UPload_Button->click();
-    QVERIFY(driver->done());
-    QCOMPARE(cancelled.size(), 1);
-    QCOMPARE(driver->boxes().at(0).icon, QMessageBox::Warning);
-    QCOMPARE(driver->boxes().at(0).title, QStringLiteral("已取消上傳"));
-    QCOMPARE(driver->boxes().at(0).text, QStringLiteral("已取消上傳"));
-    QVERIFY(on.window->uploadThread == nullptr);
-    QVERIFY(thread->wait(longest));
-    QCOMPARE(on.ui->UPload_Button->text(), rest);
-    QVERIFY(!on.ui->GLWidget->isEnabled());
-    QVERIFY(prop.sessions().last().open); // still held: it does not open again, another prop is found
-
-    driver.reset(); // or it would answer for the next upload
-    SimulatedProp other;
-    while (on.window->currentTimeline->items.size() > 2) {
-        on.window->currentTimeline->deleteTimelineItem(on.window->currentTimeline->items.last());
-    }
-    QVERIFY(other.start(on.port(1)));
-    QCOMPARE(on.upload(), uploaded);
-    QVERIFY(other.waitFor(portClosed));
-}
-
-void TestUploadButton::cancelsAtRandom()
-{
-    const UploadWindow on(4);
+    addSeconds(30);
     QRandomGenerator random(99);
-    int cut = 0;
-    for (int round = 0; round < 30; ++round) {
-        PropBehaviour behaviour;
-        behaviour.greetingMs = 5;
-        SimulatedProp prop(behaviour);
-        QVERIFY(prop.start(on.port(round)));
-        DialogDriver driver;
-        driver.answerBox(QMessageBox::Ok);
-        driver.answerBox(QMessageBox::Ok); // of an upload that ended just then; stays unused otherwise
-        on.ui->UPload_Button->click();
-        QTest::qWait(static_cast<int>(random.bounded(200))); // the moments are the point
-        if (on.window->uploadThread != nullptr) {
-            on.ui->UPload_Button->click();
-            cut += driver.boxes().last().text == QStringLiteral("已取消上傳") ? 1 : 0;
-        }
-        QTRY_VERIFY_WITH_TIMEOUT(on.window->uploadThread == nullptr, longest);
+    for (int round = 0; round < 20; ++round) {
+        const Prop prop(round, greets("Wait", 5));
+        const WorkerThread *thread = beginUpload();
+        QTest::qWait(static_cast<int>(random.bounded(100))); // the moments are the point
+        QVERIFY2(cancel(thread), qPrintable(QString::number(round)));
+        QVERIFY(prop.sessions().last().open); // still held: it does not open again, another prop is found
     }
-    QVERIFY(cut > 5);
-    SimulatedProp prop;
-    QVERIFY(prop.start(on.port(99)));
-    QCOMPARE(on.upload(), uploaded);
+    const Prop other(50);
+    QCOMPARE(upload(), "完成" + uploaded);
+}
+
+// The thread has sent everything and its last words are on their way when the user cancels: they are not shown.
+void TestUploadButton::replyInTheMomentOfTheCancel()
+{
+    addSeconds(1);
+    const Prop prop;
+    WorkerThread *thread = beginUpload();
+    QVERIFY(thread->wait(longest));
+    QVERIFY(cancel(thread));
+}
+
+void TestUploadButton::windowGoes()
+{
+    addSeconds(30);
+    const Prop prop;
+    const QPointer<WorkerThread> thread = beginUpload();
+    window.reset();
+    QVERIFY(thread.isNull() || thread->isFinished());
 }
 
 QTEST_MAIN(TestUploadButton)
