@@ -1,5 +1,5 @@
 // A disk that is full: while an object lives, no file of this process grows beyond so many bytes, and writing more
-// fails as it does on a full disk.
+// fails as it does on a full disk. Where the system has no such limit, nothing happens.
 #pragma once
 
 #include <QtGlobal>
@@ -7,22 +7,32 @@
 #ifdef Q_OS_UNIX
 #include <csignal>
 #include <sys/resource.h>
+#endif
 
 class SmallDisk
 {
 public:
-    explicit SmallDisk(rlim_t bytes)
+#ifdef Q_OS_UNIX
+    static constexpr bool works = true;
+
+    explicit SmallDisk(quint64 bytes)
     {
         std::signal(SIGXFSZ, SIG_IGN);
         getrlimit(RLIMIT_FSIZE, &before);
-        rlimit limit = before;
-        limit.rlim_cur = bytes;
+        const rlimit limit{qMin<rlim_t>(bytes, before.rlim_max), before.rlim_max};
         setrlimit(RLIMIT_FSIZE, &limit);
     }
-    ~SmallDisk() { setrlimit(RLIMIT_FSIZE, &before); }
-    Q_DISABLE_COPY_MOVE(SmallDisk)
+    ~SmallDisk()
+    {
+        setrlimit(RLIMIT_FSIZE, &before);
+    }
 
 private:
     rlimit before;
-};
+#else
+    static constexpr bool works = false;
+
+    explicit SmallDisk(quint64) {}
 #endif
+    Q_DISABLE_COPY_MOVE(SmallDisk)
+};

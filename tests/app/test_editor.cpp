@@ -1,14 +1,7 @@
 // The pattern panel on the real window: fields that keep each other in step, patterns written and read back.
-#include "support/dialogdriver.h"
 #include "support/windowtest.h"
-#include "timeline/indicator.h"
-#include "timeline/timeline.h"
-#include "timeline/timelineheaders.h"
-#include "timeline/timelineitem.h"
-#include "ui_mainwindow.h"
 
 #include <QMetaProperty>
-#include <QtTest>
 
 class TestEditor : public WindowTest
 {
@@ -17,21 +10,21 @@ class TestEditor : public WindowTest
 private slots:
     void timeFieldsKeepInStep()
     {
-        struct Step
+        const struct
         {
             char field; // the one that is set: start, end or length
             int ms;
             int start, length, end; // what all three hold then
-        };
-        for (const Step &step : {Step{'s', 62003, 62003, 5000, 67003},
-                                 {'e', 64253, 62003, 2250, 64253},
-                                 {'s', 10000, 10000, 2250, 12250},
-                                 {'e', 4000, 10000, 100, 10100},  // an end before the start
-                                 {'e', 3000, 10000, 100, 10100},  // once more, the length being the least already
-                                 {'e', 10040, 10000, 100, 10100}, // too short a length
-                                 {'l', 1001, 10000, 1001, 11001}, // 1.001 * 1000 is rounded, being just below 1001,
-                                 {'s', 0, 0, 1000, 1000},         // and cut when the start moves
-                                 {'e', 1500000, 0, 1000000, 1000000}}) {
+        } steps[] = {{'s', 62003, 62003, 5000, 67003},
+                     {'e', 64253, 62003, 2250, 64253},
+                     {'s', 10000, 10000, 2250, 12250},
+                     {'e', 4000, 10000, 100, 10100},  // an end before the start
+                     {'e', 3000, 10000, 100, 10100},  // once more, the length being the least already
+                     {'e', 10040, 10000, 100, 10100}, // too short a length
+                     {'l', 1001, 10000, 1001, 11001}, // 1.001 * 1000 is rounded, being just below 1001,
+                     {'s', 0, 0, 1000, 1000},         // and cut when the start moves
+                     {'e', 1500000, 0, 1000000, 1000000}};
+        for (const auto &step : steps) {
             if (step.field == 'l') {
                 ui->Mode_last->setValue(step.ms / 1000.0);
             } else {
@@ -53,12 +46,9 @@ private slots:
         ui->Speed_slide->setValue(2);
         QCOMPARE(shown("suggest Mode_loop"), QString("1 7"));
         ui->radio_speed_slide->setChecked(true);
-        QCOMPARE(ui->Mode_loop->value(), 1);
-        QTest::mouseDClick(ui->Speed_slide, Qt::LeftButton);
-        QCOMPARE(ui->Speed_slide->value(), 10);
+        QVERIFY(ui->Mode_loop->value() == 1 && !ui->Mode_loop->isEnabled());
 
         // A count that is typed selects fixed mode, one that is set does not.
-        QVERIFY(!ui->Mode_loop->isEnabled());
         ui->Mode_loop->setEnabled(true);
         ui->Mode_loop->setValue(4);
         QVERIFY(ui->radio_speed_slide->isChecked());
@@ -78,9 +68,8 @@ private slots:
         window->on_Addbutton_hovered(true);
         QCOMPARE(window->currentTimeline->readyBand->geometry(), QRect(150, 0, 150, 55)); // where the next one goes
         window->on_Add_Button_clicked();
-        QCOMPARE(window->currentTimeline->items.size(), 2);
-        TimelineItem *first = window->currentTimeline->items.first();
-        const TimelineItem *second = window->currentTimeline->items.last();
+        TimelineItem *first = window->currentTimeline->items.value(0);
+        const TimelineItem *second = window->currentTimeline->items.value(1);
         QVERIFY(second->startTime == QTime(0, 0, 1, 500) && second->endTime == QTime(0, 0, 3));
         QCOMPARE(second->speedValue, 10);
         QCOMPARE(ui->timeline_headers->indicator->indicatorTime, QTime(0, 0, 3));
@@ -91,8 +80,7 @@ private slots:
         ui->Mode_t2->setTime(QTime(0, 0, 2));
         QCOMPARE(first->endTime, QTime(0, 0, 1, 500)); // nothing changes until the button is pressed
         window->on_Add_Button_clicked();
-        QCOMPARE(first->endTime, QTime(0, 0, 2));
-        QCOMPARE(second->startTime, QTime(0, 0, 2));
+        QVERIFY(first->endTime == QTime(0, 0, 2) && second->startTime == first->endTime);
         ui->NEW_radio->setChecked(true);
         QVERIFY(first->selected == 0 && window->currentItem == nullptr);
         QCOMPARE(ui->Mode_t1->time(), QTime(0, 0, 3)); // at the play-head
@@ -108,15 +96,13 @@ private slots:
                                  "Spe_width Spe_revH Spe_revV Spe_rnum Spe_gnum Spe_bnum"};
         int start = 0;
         for (const auto &[settings, values] : {std::pair<QString, QString>("0?3?" + path + "?40|1|0", "40 true false"),
-                                               {"0?3?" + path + "?8|0|1", "8 false true"},
                                                {"2?3?#ff8040|#00005a|AB|1|4?7|0|1", "AB 5 7 false true"},
                                                {"3?3?#ff0000|#000001|5|1|9?0|1|0", "9 true false 255 0 0"},
                                                {"1?#ff8040", "255 128 64"},
-                                               {"3?3?#102030|#0000ff|1|2|3?0|0|1", "3 false true 16 32 48"},
-                                               {"2?3?#00ff00|#123456|CD|0|9?5|1|0", "CD 10 5 true false"}}) {
+                                               {"0?3?" + path + "?8|0|1", "8 false true"}}) {
             const int kind = settings.left(1).toInt();
             // A colour is in fixed mode, whatever speed it holds.
-            TimelineItem *item = addItem(settings, start, kind == 1 ? 8 : 0);
+            TimelineItem *item = add(patternBlob(settings, start, 2000, Qt::blue, 3, kind == 1 ? 8 : 0));
             const glow::PatternRecord before = glow::readPattern(item->itemData);
             ui->radio_speed_slide->setChecked(true);
             window->loadItemToEditor(item);
@@ -130,7 +116,7 @@ private slots:
             QCOMPARE(after.settingsText, settings);
             QVERIFY(after.startTime == before.startTime && after.endTime == before.endTime);
             QVERIFY(after.patternKind == kind && after.repeatCount == 3 && after.speedValue == 0);
-            QCOMPARE(after.thumbnail.height(), 85);
+            QVERIFY(after.thumbnail.height() == 85 && after.thumbnail.toImage() != before.thumbnail.toImage());
             QCOMPARE(after.solidColor, kind == 1 ? QColor(settings.mid(2)) : QColor());
             start += 2000;
         }
@@ -145,33 +131,21 @@ private slots:
     {
         DialogDriver driver;
         driver.answerBox(QMessageBox::Ok);
-        window->loadItemToEditor(addItem("0?1?a.png"));
+        window->loadItemToEditor(add(patternBlob("0?1?a.png", 0)));
         QVERIFY(driver.done());
-        QCOMPARE(driver.boxes().first().text, QString("儲存格式過舊，請使用舊版軟體(v2.9↓)進行轉檔"));
 
         // A kind that does not exist changes no tab, a mode that does not exist no mode.
         ui->Mode_Pic->setCurrentIndex(2);
-        window->loadItemToEditor(addItem("9?1?#ffffff|x?1|1|1"));
+        window->loadItemToEditor(add(patternBlob("9?1?#ffffff|x?1|1|1", 1000)));
         QCOMPARE(ui->Mode_Pic->currentIndex(), 2);
         ui->Spe_color3->setCheckState(Qt::PartiallyChecked);
-        window->loadItemToEditor(addItem("3?2?#ff0000|#000000|5|7|10?0|1|0", 0, 8));
+        window->loadItemToEditor(add(patternBlob("3?2?#ff0000|#000000|5|7|10?0|1|0", 2000, 500, Qt::red, 1, 8)));
         QCOMPARE(ui->Spe_color3->checkState(), Qt::PartiallyChecked);
         QVERIFY(ui->radio_speed_slide->isChecked());
         QCOMPARE(shown("Spe_width Speed_slide"), QString("10 8"));
     }
 
 private:
-    TimelineItem *addItem(const QString &settings, int startMs = 0, int speed = 0)
-    {
-        glow::PatternRecord record;
-        record.repeatCount = 3;
-        record.speedValue = speed;
-        record.startTime = glow::timeOf(startMs);
-        record.endTime = glow::timeOf(startMs + 2000);
-        record.settingsText = settings;
-        return add(glow::writePattern(record));
-    }
-
     // What the named widgets show to the user.
     QString shown(const QString &names) const
     {

@@ -1,39 +1,25 @@
 // Projects in the window: saving, opening, both formats, and what failures leave behind.
 #include "show/model/projectfile.h"
 #include "show/model/propvalues.h"
-#include "show/model/settingstext.h"
 #include "song/songmaker.h"
-#include "support/dialogdriver.h"
-#include "support/samples.h"
-#include "support/windowcheck.h"
 #include "support/windowtest.h"
-#include "timeline/timeline.h"
-#include "timeline/timelineitem.h"
-#include "ui_mainwindow.h"
 
 #include <QActionGroup>
 #include <QProgressDialog>
-#include <QtTest>
 
 using glow::Project;
 using Tracks = QVector<QVector<QByteArray>>;
 
 namespace {
 
-constexpr int second = 1000;
-
-QByteArray colourBlob(int startMs, const QColor &colour = Qt::red, int lengthMs = 500)
+QByteArray colourAt(int startMs)
 {
-    return patternBlob(glow::composeSettings(glow::ColourSettings{colour}, 1), startMs, lengthMs, colour);
+    return patternBlob("1?#ff0000", startMs);
 }
 
 QByteArray fileOf(const Tracks &tracks, qint16 leds = 48, float rate = 1100)
 {
-    Project project;
-    project.ledCount = leds;
-    project.frameRate = rate;
-    project.tracks = tracks;
-    return glow::writeProject(project);
+    return glow::writeProject({leds, rate, "null", tracks});
 }
 
 } // namespace
@@ -45,15 +31,11 @@ class TestProject : public WindowTest
 private slots:
     void tracksComeBackButTheHidden()
     {
-        const auto addTo = [this](int patterns) {
+        for (const int patterns : {2, 0, 3, 1}) {
             for (int i = 0; i < patterns; ++i) {
-                add(colourBlob(i * second, QColor(patterns, i, 255)));
+                add(colourAt(patterns * 100 + i * 1000));
             }
-        };
-        addTo(2);
-        for (const int patterns : {0, 3, 1}) {
             window->on_timeline_add_clicked();
-            addTo(patterns);
         }
         gadget(0)->trigger();
         ui->Leds->setValue(59);
@@ -61,84 +43,69 @@ private slots:
         const Tracks whole = window->asProject().tracks;
         QCOMPARE(saved("whole.gsw3").tracks, whole);
         window->timelines.at(1)->hide();
-        QCOMPARE(saved("some.gsw3").tracks, (Tracks{whole.at(0), whole.at(2), whole.at(3)}));
+        QCOMPARE(saved("some.gsw3").tracks, (Tracks{whole.at(0), whole.at(2), whole.at(3), whole.at(4)}));
         window->timelines.at(1)->show();
         window->timelines.last()->hide(); // the separator in front of it stands
-        QCOMPARE(saved("some.gsw3").tracks, (Tracks{whole.at(0), whole.at(1), whole.at(2), {}}));
+        QCOMPARE(saved("some.gsw3").tracks, (Tracks{whole.at(0), whole.at(1), whole.at(2), whole.at(3), {}}));
 
         ui->Leds->setValue(7);
         ui->FPS_V->setValue(7);
         window->LoadFile(env->path("whole.gsw3"));
         // The first track stays first, the others come back in the reverse of their order.
-        QCOMPARE(window->asProject().tracks, (Tracks{whole.at(0), whole.at(3), whole.at(2), whole.at(1)}));
+        QCOMPARE(window->asProject().tracks, (Tracks{whole.at(0), whole.at(4), whole.at(3), whole.at(2), whole.at(1)}));
         QCOMPARE(window->currentTimeline, window->timelines.at(1));
         QVERIFY(ledCount == 59 && frameRate == 1234.0F);
     }
 
     void saveAsNamesTheFile()
     {
+        add(colourAt(0));
+        DialogDriver driver;
         const QString before = window->currentFile;
         for (const auto &[typed, name] : {std::pair<QString, QString>(), // cancelled
                                           {"show.gsw3", "show.gsw3"},
                                           {"show.GSW3", "show.GSW3.gsw3"}}) {
-            add(colourBlob(0));
             window->currentFile = before;
-            const QString path = name.isEmpty() ? before : env->path(name);
-            DialogDriver driver;
+            window->hasFile = false;
             driver.answerFile(typed.isEmpty() ? QStringList() : QStringList(env->path(typed)));
             window->on_actionSave_triggered(); // a show without a file asks for one
-            QVERIFY2(driver.done(), qPrintable(driver.unexpected.join(' ')));
-            QCOMPARE(driver.files().first().directory, before);
+            QCOMPARE(driver.files().last().directory, before);
             QCOMPARE(window->hasFile, !name.isEmpty());
-            QCOMPARE(window->currentFile, path);
-            QCOMPARE(env->value("main/currentfile").toString(), name.isEmpty() ? QString() : path);
-            if (!name.isEmpty()) {
-                QCOMPARE(window->windowTitle(), "Glowsmith - " + name + "  ");
-                add(colourBlob(second));
-                window->updateStatus();
-                QCOMPARE(window->windowTitle(), "Glowsmith - " + name + " *");
-                window->on_actionSave_triggered(); // and this time asks no more
-                QCOMPARE(window->windowTitle(), "Glowsmith - " + name + "  ");
-                QCOMPARE(glow::readProject(contentOf(path)).tracks.first().size(), 2);
-            }
-            driver.answerBox(QMessageBox::Yes);
-            QVERIFY(window->on_actionNew_triggered());
+            QCOMPARE(window->currentFile, name.isEmpty() ? before : env->path(name));
+            QCOMPARE(env->value("main/currentfile").toString(), name.isEmpty() ? QString() : env->path(name));
         }
-
-        // A file that cannot be opened is left without a word, and the show is not taken for saved.
-        saved("show.gsw3");
-        add(colourBlob(0));
+        QCOMPARE(window->windowTitle(), QString("Glowsmith - show.GSW3.gsw3  "));
+        add(colourAt(1000));
         window->updateStatus();
-        DialogDriver driver;
-        saved("no/such/folder/other.gsw3");
-        QVERIFY(driver.done());
-        QCOMPARE(window->windowTitle(), QString("Glowsmith - show.gsw3 *"));
-        QCOMPARE(env->value("main/currentfile").toString(), env->path("show.gsw3"));
+        QCOMPARE(window->windowTitle(), QString("Glowsmith - show.GSW3.gsw3 *"));
+        window->on_actionSave_triggered(); // and this time asks no more
+        QVERIFY2(driver.done(), qPrintable(driver.unexpected.join(' ')));
+        QCOMPARE(window->windowTitle(), QString("Glowsmith - show.GSW3.gsw3  "));
+        QCOMPARE(glow::readProject(contentOf(window->currentFile)).tracks.first().size(), 2);
     }
 
     void openingLeavesNothingOfTheOldShow()
     {
-        const QByteArray show = fileOf({{colourBlob(0), colourBlob(second)}, {}});
+        const QByteArray show = fileOf({{colourAt(0), colourAt(1000)}, {}});
         QVERIFY(put(env->path("show.gsw3"), show) && QDir().mkpath(env->path("folder.gsw3")));
         for (const auto &[path, name] : {std::pair<QString, QString>(env->path("folder.gsw3"), "folder.gsw3"),
                                          {"C:\\a\\b.gsw3", "b.gsw3"},
                                          {env->path("absent.gsw"), "absent.gsw"},
                                          {env->path("show.gsw3"), "show.gsw3"}}) {
-            TimelineItem *old = add(colourBlob(0));
+            TimelineItem *old = add(colourAt(0));
             window->on_timeline_add_clicked();
             window->updateStatus();
             window->loadItemToEditor(old);
             const QPointer<Timeline> oldTrack = window->currentTimeline;
             ui->timeline_scaler->setValue(100);
             const bool succeeds = name == "show.gsw3";
-            DialogDriver driver;
             const bool hadFile = name == "absent.gsw";
             window->hasFile = hadFile;
+            DialogDriver driver;
             window->LoadFile(path);
             QVERIFY(driver.done());
             QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-            QVERIFY(oldTrack.isNull());
-            QVERIFY(window->currentItem == nullptr && window->previewItem == nullptr);
+            QVERIFY(oldTrack.isNull() && window->currentItem == nullptr && window->previewItem == nullptr);
             QCOMPARE(window->timelines.size(), succeeds ? 2 : 1);
             QCOMPARE(itemCount(), succeeds ? 2 : 0);
             QCOMPARE(window->history.index, 0);
@@ -154,35 +121,24 @@ private slots:
 
     void propNumbersChooseTheRow()
     {
-        struct Case
-        {
-            qint16 leds;
-            float rate;
-            int row; // 0 is the custom entry
-        };
-        for (const Case &prop : {Case{48, 1100, 2}, Case{48, 1200, 0}, Case{120, 1800, 5}, Case{20000, 1e30F, 0},
-                                 Case{-1, std::numeric_limits<float>::quiet_NaN(), 0}}) {
-            load("show.gsw3", fileOf({{}}, prop.leds, prop.rate));
-            QVERIFY(gadget(prop.row)->isChecked());
-            QCOMPARE(ui->Leds->isEnabled(), prop.row == 0);
-            QCOMPARE(int(ledCount), qBound(0, int(prop.leds), 999));
+        using Case = std::tuple<qint16, float, int>; // LEDs, rate, row: 0 is the custom entry
+        for (const auto &[leds, rate, row] :
+             {Case{48, 1100, 2}, {48, 1200, 0}, {120, 1800, 5}, {20000, 1e30F, 0}, {-1, std::nanf(""), 0}}) {
+            load("show.gsw3", fileOf({{}}, leds, rate));
+            QVERIFY(gadget(row)->isChecked());
+            QCOMPARE(ui->Leds->isEnabled(), row == 0);
+            QCOMPARE(int(ledCount), qBound(0, int(leds), 999));
             QVERIFY(frameRate >= 0 && frameRate <= 9999);
         }
     }
 
     void foreignFilesOpenAsFarAsTheyGo()
     {
-        // A blob that is too short stands as a pattern without content.
-        load("short.gsw3", fileOf({{colourBlob(0), "short", "shorter"}, {colourBlob(2 * second)}}));
+        // Blobs that are too short stand as patterns without content, up to a thousand.
+        load("short.gsw3", fileOf({{colourAt(0), "short", "shorter"}, {colourAt(2000)}}));
         QCOMPARE(itemCount(), 4);
-        for (const QByteArray &bytes : {QByteArray(1 << 20, '\0'), QByteArray(1 << 20, '\xFF'),
-                                        QByteArray("this is no project at all. ").repeated(10000)}) {
-            for (const char *name : {"foreign.gsw3", "foreign.gsw"}) {
-                load(name, bytes);
-                QVERIFY(itemCount() <= 1000);
-                QCOMPARE(whatIsWrong(*window), QString());
-            }
-        }
+        load("zeros.gsw3", QByteArray(1 << 20, '\0'));
+        QCOMPARE(itemCount(), 1000);
 
         DialogDriver driver;
         driver.answerBox(QMessageBox::Ok);
@@ -200,7 +156,7 @@ private slots:
         QTRY_VERIFY_WITH_TIMEOUT(window->hasSong() && window->decodeProgress->isHidden(), 20000);
         QCOMPARE(saved("sung.gsw3").songPath, song);
 
-        load("silent.gsw3", fileOf({{colourBlob(0)}}));
+        load("silent.gsw3", fileOf({{colourAt(0)}}));
         QVERIFY(!window->hasSong() && window->player->media().isNull());
         QCOMPARE(ui->Song_dir->text(), QString());
         QCOMPARE(saved("again.gsw3").songPath, QString("null"));
@@ -230,13 +186,10 @@ private slots:
 
         QVERIFY(ledCount == 48 && frameRate == 1200.0F && gadget(0)->isChecked());
         QCOMPARE(ui->timeline_scaler->value(), 100);
-        QCOMPARE(window->history.index, 0);
         QCOMPARE(window->windowTitle(), QString("Glowsmith - old.gsw  "));
         QStringList read;
         for (const TimelineItem *item : window->currentTimeline->items) {
-            read << QString("%1 %2 %3")
-                        .arg(item->startTime.toString("mm:ss.zzz"), item->endTime.toString("mm:ss.zzz"),
-                             item->settingsText);
+            read << glow::timeText(item->startTime) + ' ' + glow::timeText(item->endTime) + ' ' + item->settingsText;
         }
         // An effect's flips go to the text tab.
         QCOMPARE(read, (QStringList{"00:00.000 00:01.000 0?7?" + picture + "?50|1|0", "00:01.000 00:02.000 1?#00ff00",
@@ -269,14 +222,7 @@ private:
         window->LoadFile(env->path(name));
     }
     QAction *gadget(int row) const { return window->gadgetGroup->actions().at(row); }
-    int itemCount() const
-    {
-        int count = 0;
-        for (const Timeline *track : window->timelines) {
-            count += track->items.size();
-        }
-        return count;
-    }
+    int itemCount() const { return window->settingsTexts().size(); }
 };
 
 QTEST_MAIN(TestProject)

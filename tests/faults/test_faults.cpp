@@ -1,11 +1,7 @@
 // What goes wrong outside of the program: it is killed, the disk is full, the prop is pulled out, files vanish. Each at
-// a hundred moments where the moment matters.
-//
-// This executable is its own child: with GLOWSMITH_TEST_CHILD set it runs the program's start-up code, and a script
-// acts as the user.
+// a hundred moments where the moment matters. What a killed program leaves is offered at the next start: test_startup.
 #include "app/mainwindow.h"
 #include "app/smalldisk.h"
-#include "app/startup.h"
 #include "device/workerthread.h"
 #include "prop/simulatedprop.h"
 #include "show/base/wholefile.h"
@@ -35,7 +31,6 @@
 
 namespace {
 
-const char *const childMark = "GLOWSMITH_TEST_CHILD";
 constexpr int moments = 100;
 
 QByteArray bytesOf(const QString &path)
@@ -60,50 +55,6 @@ void addPattern(MainWindow &window, int startMs, int columns = 85)
     window.currentTimeline->addTimelineItem(new TimelineItem(glow::writePattern(record), window.currentTimeline));
 }
 
-// Inside the child. The words: "add" puts a pattern on the track and tells when its copy is on the disk; "yes" and "no"
-// answer the offer of the unsaved show; "none" expects no offer. "kept" and "N patterns, X unexpected" are told, then
-// the child waits for its end.
-void startScript()
-{
-    const QString script = qEnvironmentVariable(childMark);
-    if (script.isEmpty()) {
-        return;
-    }
-    auto *driver = new DialogDriver(qApp);
-    driver->answerWith([](QDialog *start) { start->findChild<QPushButton *>(QStringLiteral("pushButton0"))->click(); });
-    if (script == QLatin1String("yes") || script == QLatin1String("no")) {
-        driver->answerBox(script == QLatin1String("yes") ? QMessageBox::Yes : QMessageBox::No);
-    }
-    auto *watch = new QTimer(qApp);
-    QObject::connect(watch, &QTimer::timeout, qApp, [driver, watch, script] {
-        MainWindow *window = nullptr;
-        const auto widgets = QApplication::topLevelWidgets();
-        for (QWidget *widget : widgets) {
-            window = window != nullptr ? window : qobject_cast<MainWindow *>(widget);
-        }
-        if (window == nullptr || !window->isVisible()) {
-            return;
-        }
-        const bool done = driver->done();
-        const int patterns = window->currentTimeline->items.size();
-        if (script == QLatin1String("add") && patterns == 0) {
-            addPattern(*window, 0);
-            return;
-        }
-        const QDir data(qEnvironmentVariable("XDG_DATA_HOME") + QStringLiteral("/Glowsmith"));
-        const bool kept = !data.entryList({QStringLiteral("*.show")}).isEmpty();
-        if (script != QLatin1String("add") || kept) {
-            watch->stop();
-            std::printf("%d patterns, %s, %s\n", patterns, kept ? "kept" : "nothing kept",
-                        done ? "as asked" : qPrintable(driver->unexpected.join(u' ')));
-            std::fflush(stdout);
-        }
-    });
-    watch->start(20);
-}
-
-Q_COREAPP_STARTUP_FUNCTION(startScript)
-
 } // namespace
 
 class TestFaults : public QObject
@@ -114,7 +65,6 @@ private slots:
     void init();
     void cleanup();
     void killedWhileSaving();
-    void killedWithAnUnsavedShow();
     void diskFullOnSaveAndExport();
     void propVanishes();
     void filesVanishInUse();
@@ -207,37 +157,6 @@ void TestFaults::killedWhileSaving()
     qInfo("%d kills in the %lld us of two saves; the file held the large show %d times, the small one %d times",
           moments, round, wholes, parts);
     QVERIFY(wholes > 0 && parts > 0);
-}
-
-// Killed with an unsaved show, the program offers it at the next start; what was declined is offered no more.
-void TestFaults::killedWithAnUnsavedShow()
-{
-    const auto run = [this](const QString &script) {
-        QProcess process;
-        QProcessEnvironment settings = QProcessEnvironment::systemEnvironment();
-        settings.insert(QString::fromLatin1(childMark), script);
-        settings.insert(QStringLiteral("XDG_DATA_HOME"), env->path(QStringLiteral("data")));
-        // Says that the version is the latest.
-        settings.insert(QStringLiteral("GLOWSMITH_UPDATE_URL"),
-                        QUrl::fromLocalFile(env->path(QStringLiteral("version"))).toString());
-        settings.remove(QStringLiteral("QT_QPA_PLATFORM"));
-        process.setProcessEnvironment(settings);
-        process.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        process.start(QCoreApplication::applicationFilePath(), QStringList());
-        for (int i = 0; i < 600 && !process.canReadLine() && process.state() != QProcess::NotRunning; ++i) {
-            process.waitForReadyRead(100);
-        }
-        QString told = QString::fromLatin1(process.readLine()).trimmed();
-        process.kill();
-        process.waitForFinished();
-        return told;
-    };
-    songs::writeBytes(env->path(QStringLiteral("version")), "3.104\n");
-    for (const char *script : {"none", "add", "yes", "no", "none"}) {
-        const bool has = qstrcmp(script, "add") == 0 || qstrcmp(script, "yes") == 0;
-        QCOMPARE(run(QString::fromLatin1(script)),
-                 QString::fromLatin1(has ? "1 patterns, kept, as asked" : "0 patterns, nothing kept, as asked"));
-    }
 }
 
 // A real small disk where one may be mounted, else a limit on the size of files.
@@ -373,9 +292,6 @@ void TestFaults::filesVanishInUse()
 
 int main(int argc, char **argv)
 {
-    if (qEnvironmentVariableIsSet(childMark)) {
-        return glow::runGlowsmith(argc, argv);
-    }
     // A fork has no part in the conversation with a display.
     qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);

@@ -22,14 +22,16 @@ inline bool put(const QString &path, const QByteArray &bytes = {})
 }
 
 // A pattern of the kind that its settings name, with a picture of one colour.
-inline QByteArray patternBlob(const QString &settings, int startMs, int lengthMs = 500, const QColor &colour = Qt::red)
+inline QByteArray patternBlob(const QString &settings, int startMs, int lengthMs = 500, const QColor &colour = Qt::red,
+                              int repeats = 1, int speed = 0)
 {
     glow::PatternRecord record;
     record.thumbnail = QPixmap(40, 85);
     record.thumbnail.fill(colour);
     record.startTime = glow::timeOf(startMs);
     record.endTime = glow::timeOf(startMs + lengthMs);
-    record.repeatCount = 1;
+    record.repeatCount = repeats;
+    record.speedValue = speed;
     record.patternKind = settings.left(1).toInt();
     record.solidColor = record.patternKind == glow::ColourPattern ? colour : QColor();
     record.settingsText = settings;

@@ -1,9 +1,6 @@
 #include "support/windowtest.h"
 
 #include "show/model/timescale.h"
-#include "support/windowcheck.h"
-#include "timeline/timeline.h"
-#include "timeline/timelineitem.h"
 
 #include <QtTest>
 

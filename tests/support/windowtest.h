@@ -1,17 +1,19 @@
 // A test of the real window: each function starts with a fresh one, on settings, folders and an empty show of its own.
+// What nearly every such test names comes with it.
 #pragma once
 
 #include "app/mainwindow.h"
+#include "support/dialogdriver.h"
+#include "support/samples.h"
 #include "support/testenv.h"
+#include "support/windowcheck.h"
+#include "timeline/indicator.h"
+#include "timeline/timeline.h"
+#include "timeline/timelineheaders.h"
+#include "timeline/timelineitem.h"
+#include "ui_mainwindow.h"
 
-#include <QObject>
-#include <QScopedPointer>
-
-namespace Ui {
-class MainWindow;
-}
-
-class TimelineItem;
+#include <QtTest>
 
 class WindowTest : public QObject
 {
