@@ -50,6 +50,10 @@ MainWindow::MainWindow(QWidget *parent)
     , ui(newForm())
 {
     ui->setupUi(this);
+    const QString family = glow::familyForTexts();
+    if (!family.isEmpty()) {
+        ui->fontComboBox->setCurrentFont(QFont(family));
+    }
     glow::connectByName(this);
     glow::applyStyle(this);
     // A fresh window starts at its left.

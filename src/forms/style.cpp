@@ -8,6 +8,7 @@
 #include <QDialogButtonBox>
 #include <QFile>
 #include <QFont>
+#include <QFontDatabase>
 #include <QIcon>
 #include <QList>
 #include <QPalette>
@@ -16,6 +17,8 @@
 #include <QStyleFactory>
 #include <QToolTip>
 #include <QWidget>
+
+#include <algorithm>
 
 namespace glow {
 
@@ -41,6 +44,13 @@ QPalette darkPalette()
     for (const QPalette::ColorRole role : {QPalette::BrightText, QPalette::HighlightedText, QPalette::ToolTipText})
         palette.setColor(role, Qt::white);
     return palette;
+}
+
+// What stands in for the form's font, the best first.
+QStringList chineseFamilies()
+{
+    return {QStringLiteral("Microsoft JhengHei"), QStringLiteral("Noto Sans CJK TC"), QStringLiteral("Noto Sans TC"),
+            QStringLiteral("PingFang TC"), QStringLiteral("WenQuanYi Micro Hei")};
 }
 
 } // namespace
@@ -71,12 +81,24 @@ void applyStyle(QWidget *window)
     }
 }
 
+QString familyForTexts()
+{
+    const QFontDatabase fonts;
+    const QStringList installed = fonts.families(QFontDatabase::TraditionalChinese);
+    const auto suits = [&](const QString &family) {
+        return installed.contains(family) && fonts.writingSystems(family).contains(QFontDatabase::Latin);
+    };
+    for (const QStringList &candidates : {QStringList(QStringLiteral("微軟正黑體")) + chineseFamilies(), installed}) {
+        const auto found = std::find_if(candidates.cbegin(), candidates.cend(), suits);
+        if (found != candidates.cend())
+            return *found;
+    }
+    return QString();
+}
+
 void prepareApplication()
 {
-    QFont::insertSubstitutions(QStringLiteral("微軟正黑體"),
-                               {QStringLiteral("Microsoft JhengHei"), QStringLiteral("Noto Sans CJK TC"),
-                                QStringLiteral("Noto Sans TC"), QStringLiteral("PingFang TC"),
-                                QStringLiteral("WenQuanYi Micro Hei"), QStringLiteral("sans-serif")});
+    QFont::insertSubstitutions(QStringLiteral("微軟正黑體"), chineseFamilies() << QStringLiteral("sans-serif"));
     QApplication::setStyle(QStyleFactory::create(QStringLiteral("Fusion")));
     const QPalette palette = darkPalette();
     QApplication::setPalette(palette);

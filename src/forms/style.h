@@ -13,6 +13,10 @@ QString styleSheet();
 // the form stands, by each window and each dialog without a parent.
 void applyStyle(QWidget *window);
 
+// An installed family with Traditional Chinese and Latin letters of its own, so that neither is drawn by another one that
+// stands higher or lower on the line. Empty where there is none.
+QString familyForTexts();
+
 // What a style sheet cannot reach, for the whole program: the same base style and dark palette on every platform, and
 // fonts with Traditional Chinese glyphs for systems that lack the form's font. To be called once, before the first
 // window.

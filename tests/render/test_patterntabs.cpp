@@ -229,6 +229,10 @@ private slots:
     void textsAsTyped()
     {
         ui->Mode_Pic->setCurrentIndex(glow::TextPattern);
+        // The font of a fresh window draws the default text whole: nothing of it reaches the lower edge.
+        const QImage text = made();
+        const QImage lowest = text.copy(0, text.height() - 1, text.width(), 1);
+        QCOMPARE(lowest, painted(lowest.width(), 1, [](int, int) { return black; }));
         const qint64 before = window->textPixmap.cacheKey();
         ui->fontComboBox->setCurrentIndex(ui->fontComboBox->currentIndex() == 0 ? 1 : 0);
         QVERIFY(window->textPixmap.cacheKey() != before);
