@@ -8,11 +8,12 @@
 #   scripts/plant-faults.sh -n                   only looks whether every edit still matches
 #
 #   -t TREE   takes the files from another tree than the one that this script stands in
+#   -l LIST   takes another list
 #   -o TABLE  writes the table there too
 #   -q        leaves out the first run, without a fault, that shows that the tests are green
 #
 # Copy, build and logs stand in build/faults and are used again. A test that fails is run once more, and counts only if
-# it fails again; one that runs for FAULT_TIMEOUT seconds (60) has failed.
+# it fails again; one that runs for FAULT_TIMEOUT seconds (60) has failed, which the table marks with ":time".
 set -euo pipefail
 export LC_ALL=C.UTF-8
 root=$(cd "$(dirname "$0")/.." && pwd)
@@ -21,10 +22,11 @@ tree=$root
 table=
 only_match=
 first_run=1
-while getopts nt:o:q option; do
+while getopts nt:l:o:q option; do
     case $option in
     n) only_match=1 ;;
     t) tree=$(cd "$OPTARG" && pwd) ;;
+    l) list=$OPTARG ;;
     o) table=$OPTARG ;;
     q) first_run= ;;
     *) exit 2 ;;
@@ -181,6 +183,7 @@ failing() {
         cp "$work/test.log" "$work/failed.log"
         if ! run_tests -R "$(one_of "$name")"; then
             caught_by=$name
+            ! grep -q '\*\*\*Timeout' "$work/test.log" || caught_by+=:time
             return 0
         fi
         say "$name failed once only and does not count"
@@ -224,6 +227,10 @@ try() {
 
 result() { printf '%-30s %-9s %-22s %5s  %s\n' "$@" | tee -a "$work/table"; }
 
+if [ -n "$only_match" ]; then
+    temporary=$(mktemp -d) # beside a run that may be under way
+    work=$temporary
+fi
 mkdir -p "$work"
 faults >"$work/faults"
 if [ -z "$only_match" ]; then
