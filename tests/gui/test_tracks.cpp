@@ -2,11 +2,8 @@
 #include "show/model/timescale.h"
 #include "showtest.h"
 #include "song/mytime.h"
-#include "support/dialogdriver.h"
-#include "support/windowcheck.h"
 #include "timeline/mylabel.h"
 
-#include <QApplication>
 #include <QMimeData>
 #include <QWheelEvent>
 
@@ -30,8 +27,8 @@ private slots:
         QCOMPARE(rows(), (Tracks{c, d, b, a}));
         QCOMPARE(window->timelines, (Tracks{a, c, d, b}));
         QCOMPARE(c->rowLabel->text(), QString("4"));
-        QVERIFY(d->rowLabel->styleSheet().contains("rgba(100,100,255,70)"));
-        QVERIFY(b->rowLabel->styleSheet().contains("rgba(255,255,255,20)"));
+        QVERIFY(d->rowLabel->styleSheet().contains("rgba(100,100,255,70)") &&
+                b->rowLabel->styleSheet() == a->rowLabel->styleSheet());
 
         // A copy stands above its source, which is copied as it is.
         const int before = window->history.snapshots.size();
@@ -66,12 +63,10 @@ private slots:
         mouse->menu(c, QPoint(700, 20), "移除時間軸");
         QTRY_COMPARE(rows(), (Tracks{d, b, a}));
         QCOMPARE(current(), a); // the first of the list and no neighbour
-        QVERIFY(c->isHidden() && c->rowLabel->isHidden());
-        QCOMPARE(c->items, QList<TimelineItem *>{item});
+        QVERIFY(c->isHidden() && c->rowLabel->isHidden() && c->items == QList<TimelineItem *>{item});
         QCOMPARE(bar->value(), 500);
         // The label of the removed one stays in its layout; new ones stand in their rows all the same.
         QTRY_COMPARE(whatIsWrong(*window), QString());
-        addTrack();
         addTrack();
         QVERIFY(dialogs.done());
     }
@@ -120,25 +115,15 @@ private slots:
         QTRY_COMPARE(spans(above), QString("0-5000 3000-8000"));
         QVERIFY(drag(above->items.last(), 300, {}));
         QCOMPARE(spans(above), QString("0-3000 3000-8000"));
-
-        auto *foreign = new QMimeData;
-        foreign->setData(type, QByteArray("\0\0\0\1junk", 8));
-        QGuiApplication::clipboard()->setMimeData(foreign);
-        DialogDriver dialogs;
-        dialogs.answerBox(QMessageBox::Ok); // its settings are none that the panel knows
-        window->on_actionPaste_triggered();
-        QVERIFY(dialogs.done());
-        QCOMPARE(above->items.size(), 3);
     }
 
     void rulerClickAndDragSeek()
     {
-        mouse->click(ruler, QPoint(250, 10));
+        QWindow *target = window->windowHandle();
+        const auto at = [&](int x) { return mouse->inWindow(ruler, QPoint(x, 10)); };
+        QTest::mousePress(target, Qt::LeftButton, Qt::NoModifier, at(250));
         QCOMPARE(head->x(), 250);
         QCOMPARE(ui->Song_time->time(), QTime(0, 0, 2, 500));
-        QWindow *target = window->windowHandle();
-        const auto at = [&](int x) { return ruler->mapTo(window.data(), QPoint(x, 10)); };
-        QTest::mousePress(target, Qt::LeftButton, Qt::NoModifier, at(300));
         QTest::mouseMove(target, at(333));
         QCOMPARE(head->x(), 333);
         QTest::mouseMove(target, at(-40)); // left of the ruler the time stops at 0
@@ -161,10 +146,8 @@ private slots:
         QCOMPARE(ui->GLWidget->stepOrigin, qint64(0));
         QVERIFY(ui->EDIT_radio->isChecked()); // the same item: the panel stays as it is
         QCOMPARE(ui->Mode_t1->time(), QTime(0, 0, 1));
-        // A pattern without a length has no share to show.
-        TimelineItem *empty = add(current(), 5000, 5000);
+        add(current(), 5000, 5000); // without a length it has no share to show
         head->setIndicatorX(500, true);
-        QCOMPARE(window->previewItem, empty);
         head->setIndicatorX(501, true);
         QCOMPARE(ui->GLWidget->stepCount, qint64(0));
         // Only the current track counts.
@@ -180,7 +163,11 @@ private slots:
         TimelineItem *item = add(current(), 1234, 3000);
         QTRY_COMPARE(current()->width(), 68181);
         QSignalSpy moved(ruler, &TimelineHeaders::indicatorMoved);
-        QVERIFY(mouse->doubleClick(item, QPoint(100, 20)));
+        QVERIFY(drag(item, 100, {})); // the first click is a gesture of its own
+        const QPoint pos(100, 20);
+        QMouseEvent second(QEvent::MouseButtonDblClick, pos, item->mapToGlobal(pos), Qt::LeftButton, Qt::LeftButton,
+                           Qt::NoModifier);
+        QCoreApplication::sendEvent(item, &second);
         QCOMPARE(moved.last(), (QVariantList{123, true})); // by 10 ms a pixel, 123.4 + 0.5, whatever the zoom
         QCOMPARE(head->indicatorTime, QTime(0, 0, 1, 234));
         QCOMPARE(head->x(), 280); // 280.45 + 0.5, put right by the seek
@@ -205,19 +192,17 @@ private slots:
     void zoomCentresOnTheHead()
     {
         head->setIndicatorTime(QTime(0, 4), false);
-        const int half = ui->timeline_scroll->width() / 2;
-        const QVector<QPair<int, int>> widths{{160, 120000}, {40, 7500}, {120, 68181}};
-        for (const auto &[slider, width] : widths) {
+        for (const int slider : {160, 40, 120}) {
             bar->setValue(0);
             ui->timeline_scaler->setValue(slider);
             // The range is already that of the new width.
-            QCOMPARE(ruler->width(), width);
-            QCOMPARE(bar->maximum(), width - ui->timeline_scroll->viewport()->width());
-            QCOMPARE(bar->value(), qMin(head->x() - half, bar->maximum()));
+            QCOMPARE(ruler->width(), glow::widthOfLength(300000));
+            QCOMPARE(bar->maximum(), ruler->width() - ui->timeline_scroll->viewport()->width());
+            QCOMPARE(bar->value(), qMin(head->x() - ui->timeline_scroll->width() / 2, bar->maximum()));
             QCOMPARE(head->indicatorTime, QTime(0, 4));
             QCOMPARE(head->x(), glow::pixelOfTime(240000));
-            QTRY_COMPARE(current()->width(), width);
         }
+        QTRY_COMPARE(current()->width(), 68181);
         QTest::mouseDClick(ui->timeline_scaler, Qt::LeftButton);
         QCOMPARE(ui->timeline_scaler->value(), 100); // the middle, not the start value
     }
@@ -226,8 +211,7 @@ private slots:
     void wheelScrollsAndZooms()
     {
         TimelineItem *item = add(current(), 1000, 2000);
-        const QVector<QWidget *> widgets{current(), item, ruler, ui->timeline_splitter};
-        for (QWidget *over : widgets) {
+        for (QWidget *over : std::initializer_list<QWidget *>{current(), item, ruler, ui->timeline_splitter}) {
             bar->setValue(400);
             turnWheel(over, -121);
             QVERIFY2(bar->value() == 440, over->metaObject()->className());
@@ -277,7 +261,6 @@ private slots:
         QTRY_COMPARE(current()->width(), 800);
         QVERIFY(drag(item, 598, {to(794)})); // 796 is within 5 of 800
         QCOMPARE(spans(current()), QString("1000-8000 100000-110000"));
-        QCOMPARE(ui->Song_Slider->maximum(), 300000);
     }
 
 private:

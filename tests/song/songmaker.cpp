@@ -2,7 +2,8 @@
 
 #include <QDataStream>
 #include <QFile>
-#include <QProcess>
+#include <QVector>
+#include <QtEndian>
 
 #include <cmath>
 
@@ -25,30 +26,27 @@ qint16 sampleAt(double seconds)
 
 void writeWav(const QString &path, const Song &song)
 {
-    const auto frames = static_cast<quint32>(static_cast<qint64>(song.rate) * song.ms / 1000);
+    const auto frames = static_cast<int>(static_cast<qint64>(song.rate) * song.ms / 1000);
+    QVector<qint16> samples(frames * song.channels);
+    for (int i = 0; i < samples.size(); ++i) {
+        const int second = song.rate * song.channels;
+        samples[i] = i < 2 * second ? qToLittleEndian(sampleAt(static_cast<double>(i / song.channels) / song.rate))
+                                    : samples.at(i - second);
+    }
     const auto frameBytes = static_cast<quint16>(2 * song.channels);
+    const auto dataBytes = static_cast<quint32>(frames * frameBytes);
     QByteArray bytes;
     QDataStream out(&bytes, QIODevice::WriteOnly);
     out.setByteOrder(QDataStream::LittleEndian);
     out.writeRawData("RIFF", 4);
-    out << quint32(36 + frames * frameBytes);
+    out << 36 + dataBytes;
     out.writeRawData("WAVEfmt ", 8);
     out << quint32(16) << quint16(1) << quint16(song.channels) << quint32(song.rate) << quint32(song.rate * frameBytes)
         << frameBytes << quint16(16);
     out.writeRawData("data", 4);
-    out << quint32(frames * frameBytes);
-    for (quint32 i = 0; i < frames; ++i) {
-        const qint16 sample = sampleAt(static_cast<double>(i) / song.rate);
-        for (int channel = 0; channel < song.channels; ++channel) {
-            out << sample;
-        }
-    }
+    out << dataBytes;
+    out.writeRawData(reinterpret_cast<const char *>(samples.constData()), int(dataBytes));
     writeBytes(path, bytes);
-}
-
-bool encode(const QString &from, const QString &to, const QStringList &options)
-{
-    return QProcess::execute("ffmpeg", QStringList{"-v", "error", "-y", "-i", from} + options + QStringList{to}) == 0;
 }
 
 void writeBytes(const QString &path, const QByteArray &bytes)
