@@ -4,6 +4,7 @@
 #include "app/recovery.h"
 #include "device/workerthread.h"
 #include "forms/connectbyname.h"
+#include "forms/hints.h"
 #include "forms/style.h"
 #include "show/base/appsettings.h"
 #include "show/base/resources.h"
@@ -56,6 +57,8 @@ MainWindow::MainWindow(QWidget *parent)
     }
     glow::connectByName(this);
     glow::applyStyle(this);
+    glow::addHints(this);
+    addQuit();
     // A fresh window starts at its left.
     ui->Mode_Pic->setFocus();
     patternWidth = ui->Leds->value();
@@ -101,7 +104,7 @@ MainWindow::MainWindow(QWidget *parent)
 
     connect(ui->Add_Button, &MyButton::hovered, this, &MainWindow::on_Addbutton_hovered);
     chartView = new ChartView(ui->audio_frame);
-    chartView->setAccessibleName(tr("波形"));
+    chartView->setAccessibleName(glow::hint(QT_TRANSLATE_NOOP("Hints", "波形")));
     chartView->setFocusPolicy(Qt::NoFocus);
     ui->audio_frame->installEventFilter(this);
     ui->Song_play->installEventFilter(this);
@@ -168,6 +171,14 @@ void MainWindow::loadPresets()
     if (!argument.isEmpty()) {
         LoadFile(argument);
     }
+}
+
+void MainWindow::addQuit()
+{
+    ui->menu->addSeparator();
+    QAction *quit = ui->menu->addAction(glow::hint(QT_TRANSLATE_NOOP("Hints", "離開")), this, &QWidget::close);
+    quit->setObjectName(QStringLiteral("actionQuit"));
+    quit->setShortcut(QStringLiteral("Ctrl+Q"));
 }
 
 void MainWindow::updateStatus()

@@ -142,6 +142,7 @@ public slots:
     void LoadFile(QString path);
     void on_actionChinese_triggered();
     void on_actionEnglish_triggered();
+    void addQuit();
     void loadPresets();
 
     // app/mainwindow_gadget.cpp: the prop

@@ -234,6 +234,11 @@ void MainWindow::on_Add_Button_clicked()
     if (item != nullptr) {
         currentTimeline->on_itemDragEnd(blob, item, nullptr);
     }
+    if (!currentTimeline->readyBand->isHidden()) {
+        // Hidden first: what is shown already would hide.
+        on_Addbutton_hovered(false);
+        on_Addbutton_hovered(true);
+    }
     ui->Mode_loop->blockSignals(false);
     updateStatus();
 }

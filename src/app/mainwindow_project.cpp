@@ -106,6 +106,7 @@ void MainWindow::on_actionSave_triggered()
         return;
     }
     QProgressDialog progress(tr("儲存中..."), tr("取消"), 0, currentTimeline->items.size() - 1, this);
+    progress.setWindowTitle(tr("存檔"));
     progress.setAutoClose(true);
     progress.show();
     const glow::WriteResult result = glow::writeWholeFile(
@@ -217,6 +218,7 @@ void MainWindow::closeSong()
     chartView->wavePoints.clear();
     chartView->hide();
     ui->Song_dir->clear();
+    ui->Song_dir->setToolTip(QString());
 }
 
 void MainWindow::openProject(const glow::Project &project)

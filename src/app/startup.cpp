@@ -10,8 +10,11 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QLibraryInfo>
 #include <QLocale>
 #include <QMessageBox>
+#include <QScreen>
+#include <QStyle>
 #include <QTranslator>
 
 #include <cstdio>
@@ -30,7 +33,17 @@ constexpr int neverChosen = 99;
 // The catalogue row that a first start chooses.
 constexpr int firstGadget = 3;
 
-void chooseLanguage(QTranslator &translator)
+// The texts of Qt's own dialogs and buttons, in Chinese. Where Qt's translations are not installed they stay English.
+void installQtTexts(QTranslator &translator)
+{
+    const QString name = QStringLiteral("qtbase_zh_TW");
+    if (translator.load(name, QLibraryInfo::location(QLibraryInfo::TranslationsPath)) ||
+        translator.load(name, QCoreApplication::applicationDirPath() + QStringLiteral("/translations"))) {
+        QCoreApplication::installTranslator(&translator);
+    }
+}
+
+void chooseLanguage(QTranslator &translator, QTranslator &qtTexts)
 {
     AppSettings settings;
     settings.setValue(QStringLiteral("main/version"), programVersion);
@@ -38,14 +51,26 @@ void chooseLanguage(QTranslator &translator)
     if (language == neverChosen) {
         settings.setValue(QStringLiteral("main/language"), chinese);
         settings.setValue(QStringLiteral("main/gadget"), firstGadget);
+        installQtTexts(qtTexts);
         return;
     }
     if (language == chinese) {
         QLocale::setDefault(QLocale(QLocale::Chinese, QLocale::AnyCountry));
+        installQtTexts(qtTexts);
     } else if (language == english) {
         translator.load(QStringLiteral(":/language/language/english.qm"));
     }
     QCoreApplication::installTranslator(&translator);
+}
+
+// The size, or what of it the screen has room for: it can have become smaller since.
+QSize onScreen(const QSize &size)
+{
+    QSize room = QGuiApplication::primaryScreen()->availableSize();
+    if (size.height() > room.height()) {
+        room.rheight() -= QApplication::style()->pixelMetric(QStyle::PM_TitleBarHeight);
+    }
+    return size.boundedTo(room);
 }
 
 void showAsLeft(MainWindow &window)
@@ -56,7 +81,7 @@ void showAsLeft(MainWindow &window)
         return;
     }
     const QSize size = settings.value(QStringLiteral("window/size")).toSize();
-    window.resize(size.isValid() ? size : window.minimumSize());
+    window.resize(size.isValid() ? onScreen(size) : window.minimumSize());
     window.show();
 }
 
@@ -66,7 +91,7 @@ bool wantsBack(RecoveryStore &store, UnsavedShow &show)
     if (!store.findLeftover(show)) {
         return false;
     }
-    QMessageBox box(QMessageBox::Question, QString(),
+    QMessageBox box(QMessageBox::Question, QStringLiteral("Glowsmith"),
                     QStringLiteral("<font color='white'>發現上次未儲存的光舞，是否復原？<br>"
                                    "An unsaved show was found. Restore it?</font>"),
                     QMessageBox::Yes | QMessageBox::No);
@@ -81,9 +106,11 @@ bool wantsBack(RecoveryStore &store, UnsavedShow &show)
 
 int runProgram()
 {
+    QTranslator qtTexts;
     QTranslator translator;
-    chooseLanguage(translator);
+    chooseLanguage(translator, qtTexts);
     const QIcon icon(QStringLiteral(":/appicon.ico"));
+    QApplication::setWindowIcon(icon); // of every dialog
     QString project;
     {
         // Gone before the window stands: an answer of the update server that comes later interrupts nobody's work.

@@ -1,5 +1,6 @@
 #include "device/pass.h"
 
+#include "forms/hints.h"
 #include "forms/style.h"
 #include "ui_pass.h"
 
@@ -18,6 +19,7 @@ Pass::Pass(QWidget *parent)
 {
     ui->setupUi(this);
     glow::applyStyle(this);
+    glow::addHints(this);
 }
 
 Pass::~Pass()

@@ -1,5 +1,6 @@
 #include "device/setup.h"
 
+#include "forms/hints.h"
 #include "forms/style.h"
 #include "show/wire/portnames.h"
 #include "show/wire/portscan.h"
@@ -54,6 +55,7 @@ setup::setup(QWidget *parent, int waitMs)
 {
     ui->setupUi(this);
     glow::applyStyle(this);
+    glow::addHints(this);
     ui->MONITOR->clear();
     ui->MONITOR->setUndoRedoEnabled(false); // would keep every byte that ever came
     ui->SEND_BUTTON->addAction(ui->actionenter);

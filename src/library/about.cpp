@@ -1,5 +1,6 @@
 #include "library/about.h"
 
+#include "forms/hints.h"
 #include "forms/style.h"
 #include "show/base/appsettings.h"
 #include "show/base/installation.h"
@@ -57,11 +58,13 @@ about::about(QWidget *parent)
 {
     ui->setupUi(this);
     glow::applyStyle(this);
+    glow::addHints(this);
     ui->label_3->setText(QStringLiteral("Glowsmith ver") + QString::number(appVersion));
     on_pushButton_3_clicked();
     const QString last = AppSettings().value(QStringLiteral("main/currentfile"), QStringLiteral("null")).toString();
     if (last != QLatin1String("null")) {
         ui->load_current->setText(last);
+        ui->load_current->setToolTip(last.toHtmlEscaped());
     } else {
         ui->load_current->hide();
     }

@@ -164,6 +164,8 @@ void MainWindow::on_Color_Exc_clicked()
 
 void MainWindow::showColor()
 {
+    const int brightness = qGray(ui->Color_R->value(), ui->Color_G->value(), ui->Color_B->value());
+    ui->Color_View->setProperty("light", brightness > 127); // the style sheet's text is dark there
     ui->Color_View->setStyleSheet(QStringLiteral("background-color: rgb(%1,%2,%3);")
                                       .arg(ui->Color_R->value())
                                       .arg(ui->Color_G->value())

@@ -1,5 +1,6 @@
 #include "render/screencapture.h"
 
+#include "forms/hints.h"
 #include "render/desktopgrab.h"
 #include "ui_screencapture.h"
 
@@ -45,6 +46,7 @@ ScreenCapture::ScreenCapture(QWidget *parent)
     , ui(new Ui::ScreenCapture)
 {
     ui->setupUi(this);
+    glow::addHints(this);
     setMouseTracking(true); // the dot follows the pointer with no button held
     // exec() finds the dialog on the screen already, where it is too late to become modal.
     setModal(true);

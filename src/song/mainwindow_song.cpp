@@ -93,6 +93,7 @@ void MainWindow::on_SongRead_Button_clicked()
 void MainWindow::ReadSong(const QString &path)
 {
     ui->Song_dir->setText(path.mid(path.lastIndexOf(u'/') + 1));
+    ui->Song_dir->setToolTip(path.toHtmlEscaped());
 
     // Made anew for each song, so that after a second one the slots run twice for each notification. They only set
     // values.
@@ -127,6 +128,7 @@ void MainWindow::ReadSong(const QString &path)
     // It closes at the decode's end and not by its value: a song without a table of contents can be longer than the
     // back end first took it for.
     decodeProgress = new QProgressDialog(tr("讀取音樂中..."), tr("取消"), 0, 32767, this);
+    decodeProgress->setWindowTitle(tr("選歌"));
     decodeProgress->setAutoClose(false);
     decodeProgress->setAutoReset(false);
     connect(decodeProgress, &QProgressDialog::canceled, this, &MainWindow::cancel_decoder);

@@ -118,12 +118,15 @@ private slots:
             cleanup();
             init();
             QCOMPARE(ui->menu->title(), menu);
-            window->resize(1000, 720);
-            for (int tab = 0; tab < ui->Mode_Pic->count(); ++tab) {
-                ui->Mode_Pic->setCurrentIndex(tab);
-                QTRY_COMPARE(cutOff(), QString());
+            for (const QSize size : {QSize(1300, 885), QSize(1000, 720)}) {
+                window->resize(size);
+                for (int tab = 0; tab < ui->Mode_Pic->count(); ++tab) {
+                    ui->Mode_Pic->setCurrentIndex(tab);
+                    QTRY_COMPARE(cutOff(), QString());
+                }
+                QCOMPARE(window->size(), size);
             }
-            QCOMPARE(window->size(), QSize(1000, 720));
+            QVERIFY(!ui->Spe_show->verticalScrollBar()->isVisible()); // the effect's whole height is seen
         }
     }
 
@@ -149,9 +152,14 @@ private slots:
         }
     }
 
-    // For whoever listens to a screen reader.
+    // For whoever listens to a screen reader, or rests the mouse on a picture.
     void everyControlHasAName()
     {
+        QTranslator translator;
+        QVERIFY(translator.load(":/language/language/english.qm"));
+        QVERIFY(QCoreApplication::installTranslator(&translator));
+        cleanup();
+        init();
         QVERIFY(ui->dockWidget_3->isAncestorOf(window->focusWidget())); // a fresh window starts at the left
         ui->Mode_Pic->setCurrentIndex(1);
         window->on_Add_Button_clicked();
@@ -163,7 +171,19 @@ private slots:
             QAccessibleInterface *spoken = QAccessible::queryAccessibleInterface(widget);
             QVERIFY2(spoken != nullptr && !spoken->text(QAccessible::Name).isEmpty(),
                      qPrintable(widget->objectName() + ' ' + widget->metaObject()->className()));
+            const bool wordless = isOneOf(widget, {"QSlider", "QAbstractSpinBox", "QComboBox", "QProgressBar"}) ||
+                                  (isOneOf(widget, {"QAbstractButton"}) && !widget->property("icon").isNull() &&
+                                   widget->property("text").toString().isEmpty());
+            const bool isPattern = qobject_cast<TimelineItem *>(widget) != nullptr;
+            QVERIFY2(!wordless || !widget->toolTip().isEmpty(), qPrintable(widget->objectName()));
+            const QRegularExpression chinese("[\\x{4e00}-\\x{9fff}]");
+            QVERIFY2(isPattern || !(widget->toolTip() + widget->accessibleName()).contains(chinese),
+                     qPrintable(widget->objectName()));
         }
+        QCOMPARE(ui->Song_play->toolTip(), QString("Music paly/pause (Space)"));
+        const QAction *last = ui->menu->actions().last();
+        QCOMPARE(last->text() + ' ' + last->shortcut().toString(), QString("Quit Ctrl+Q"));
+        QVERIFY(ui->menu->actions().at(ui->menu->actions().size() - 2)->isSeparator());
     }
 
     void styleSheetParsesAndFindsItsPictures()

@@ -439,4 +439,247 @@ The file is as it was. Please save under another name.</translation>
         <translation>load</translation>
     </message>
 </context>
+<context>
+    <name>Hints</name>
+    <message>
+        <source>模擬道具</source>
+        <translation>simulated prop</translation>
+    </message>
+    <message>
+        <source>旋轉速度</source>
+        <translation>spinning speed</translation>
+    </message>
+    <message>
+        <source>旋轉速度：中間靜止，兩端最快</source>
+        <translation>Spinning speed: still in the middle, fastest at both ends</translation>
+    </message>
+    <message>
+        <source>音樂停止</source>
+        <translation>stop the music</translation>
+    </message>
+    <message>
+        <source>歌曲</source>
+        <translation>song</translation>
+    </message>
+    <message>
+        <source>播放時間</source>
+        <translation>playing time</translation>
+    </message>
+    <message>
+        <source>播放位置</source>
+        <translation>playing position</translation>
+    </message>
+    <message>
+        <source>時間軸長度</source>
+        <translation>length of the timeline</translation>
+    </message>
+    <message>
+        <source>軌道編號</source>
+        <translation>track numbers</translation>
+    </message>
+    <message>
+        <source>時間軸</source>
+        <translation>timeline</translation>
+    </message>
+    <message>
+        <source>軌道捲動</source>
+        <translation>scroll the tracks</translation>
+    </message>
+    <message>
+        <source>新增軌道</source>
+        <translation>add a track</translation>
+    </message>
+    <message>
+        <source>移除軌道</source>
+        <translation>remove the track</translation>
+    </message>
+    <message>
+        <source>縮小</source>
+        <translation>zoom out</translation>
+    </message>
+    <message>
+        <source>時間軸縮放</source>
+        <translation>zoom of the timeline</translation>
+    </message>
+    <message>
+        <source>放大</source>
+        <translation>zoom in</translation>
+    </message>
+    <message>
+        <source>輸出進度</source>
+        <translation>output progress</translation>
+    </message>
+    <message>
+        <source>每秒行數</source>
+        <translation>columns a second</translation>
+    </message>
+    <message>
+        <source>燈數</source>
+        <translation>number of LEDs</translation>
+    </message>
+    <message>
+        <source>圖樣種類</source>
+        <translation>kind of pattern</translation>
+    </message>
+    <message>
+        <source>間隔</source>
+        <translation>gap</translation>
+    </message>
+    <message>
+        <source>圖片路徑</source>
+        <translation>path of the picture</translation>
+    </message>
+    <message>
+        <source>圖片預覽</source>
+        <translation>preview of the picture</translation>
+    </message>
+    <message>
+        <source>單色紅</source>
+        <translation>colour: red</translation>
+    </message>
+    <message>
+        <source>單色綠</source>
+        <translation>colour: green</translation>
+    </message>
+    <message>
+        <source>單色藍</source>
+        <translation>colour: blue</translation>
+    </message>
+    <message>
+        <source>字型</source>
+        <translation>font</translation>
+    </message>
+    <message>
+        <source>字高</source>
+        <translation>height of the text</translation>
+    </message>
+    <message>
+        <source>字高：10 為全高</source>
+        <translation>Height of the text: 10 fills the prop</translation>
+    </message>
+    <message>
+        <source>字寬</source>
+        <translation>width of the text</translation>
+    </message>
+    <message>
+        <source>文字紅</source>
+        <translation>text: red</translation>
+    </message>
+    <message>
+        <source>文字綠</source>
+        <translation>text: green</translation>
+    </message>
+    <message>
+        <source>文字藍</source>
+        <translation>text: blue</translation>
+    </message>
+    <message>
+        <source>文字預覽</source>
+        <translation>preview of the text</translation>
+    </message>
+    <message>
+        <source>圖騰紅</source>
+        <translation>effect: red</translation>
+    </message>
+    <message>
+        <source>圖騰綠</source>
+        <translation>effect: green</translation>
+    </message>
+    <message>
+        <source>圖騰藍</source>
+        <translation>effect: blue</translation>
+    </message>
+    <message>
+        <source>圖騰預覽</source>
+        <translation>preview of the effect</translation>
+    </message>
+    <message>
+        <source>圖騰</source>
+        <translation>effect</translation>
+    </message>
+    <message>
+        <source>自動計算次數</source>
+        <translation>suggested repeats</translation>
+    </message>
+    <message>
+        <source>速度</source>
+        <translation>speed</translation>
+    </message>
+    <message>
+        <source>速度：雙擊回到中間</source>
+        <translation>Speed: a double click returns to the middle</translation>
+    </message>
+    <message>
+        <source>開始時間</source>
+        <translation>start time</translation>
+    </message>
+    <message>
+        <source>開始時間（分:秒.毫秒）</source>
+        <translation>Start time (minutes:seconds.milliseconds)</translation>
+    </message>
+    <message>
+        <source>長度</source>
+        <translation>length</translation>
+    </message>
+    <message>
+        <source>長度（秒）</source>
+        <translation>Length in seconds</translation>
+    </message>
+    <message>
+        <source>結束時間</source>
+        <translation>end time</translation>
+    </message>
+    <message>
+        <source>結束時間（分:秒.毫秒）</source>
+        <translation>End time (minutes:seconds.milliseconds)</translation>
+    </message>
+    <message>
+        <source>生產經銷</source>
+        <translation>store</translation>
+    </message>
+    <message>
+        <source>研發設計</source>
+        <translation>web site</translation>
+    </message>
+    <message>
+        <source>密碼</source>
+        <translation>password</translation>
+    </message>
+    <message>
+        <source>裝置訊息</source>
+        <translation>messages of the prop</translation>
+    </message>
+    <message>
+        <source>指令</source>
+        <translation>command</translation>
+    </message>
+    <message>
+        <source>截取</source>
+        <translation>capture</translation>
+    </message>
+    <message>
+        <source>畫筆</source>
+        <translation>pen</translation>
+    </message>
+    <message>
+        <source>橡皮擦</source>
+        <translation>eraser</translation>
+    </message>
+    <message>
+        <source>清除</source>
+        <translation>clear</translation>
+    </message>
+    <message>
+        <source>畫筆大小</source>
+        <translation>size of the pen</translation>
+    </message>
+    <message>
+        <source>波形</source>
+        <translation>waveform</translation>
+    </message>
+    <message>
+        <source>離開</source>
+        <translation>Quit</translation>
+    </message>
+</context>
 </TS>
