@@ -47,7 +47,8 @@ private:
     {
         const QColor colour(startMs % 256, endMs % 256, 77);
         const QString settings = source.isEmpty() ? "1?#ff0000" : "0?1?" + source + "?0|0|0";
-        glow::PatternRecord record = glow::readPattern(patternBlob(settings, startMs, endMs - startMs, colour));
+        glow::PatternRecord record = glow::readPattern(patternBlob(settings, 0, 1, colour));
+        // Set apart: the difference of foreign times can be beyond an int.
         record.startTime = QTime::fromMSecsSinceStartOfDay(startMs); // also beyond a day, as foreign projects have it
         record.endTime = QTime::fromMSecsSinceStartOfDay(endMs);
         QPainter(&record.thumbnail).fillRect(20, 40, 20, 45, QColor(endMs % 256, 77, startMs % 256));
