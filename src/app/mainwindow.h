@@ -39,6 +39,7 @@ class MainWindow;
 }
 
 namespace glow {
+struct FilmShow;
 struct Project;
 struct UnsavedShow;
 } // namespace glow
@@ -90,6 +91,9 @@ public:
     // The show as it would be saved. progress, when given, hears each pattern's index within its track.
     glow::Project asProject(const std::function<void(int)> &progress = {}) const;
 
+    // What a film needs of the show, its tracks numbered as their labels are.
+    glow::FilmShow asFilmShow() const;
+
     // Opens a show that an earlier run left unsaved: it belongs to the file it belonged to, and is not saved yet.
     void restoreShow(const glow::UnsavedShow &show);
 
@@ -107,6 +111,7 @@ public:
     QVector<glow::PatternRecord> sortedPatterns(); // the current track's patterns, put into start-time order first
     QStringList settingsTexts() const;             // of all patterns of all tracks
     void rewriteSettings(const std::function<QString(const QString &)> &rewrite); // of all patterns of all tracks
+    int trackNumber(const Timeline *track) const;                                 // of its label
     QTime headTime() const;                                                       // of the play-head
     void setHeadTime(const QTime &time);                                          // as the clock moves it
     int startMarkMs() const;           // show time of the start mark, 0 when none
@@ -245,6 +250,9 @@ public slots:
     void on_G_slide_valueChanged(int value);
     void on_B_slide_valueChanged(int value);
     void on_Color_View_clicked();
+
+    // render/mainwindow_film.cpp
+    void on_actionFilm_triggered();
 
     // render/mainwindow_effect.cpp
     void on_Spe_comboBox_currentIndexChanged(int index);

@@ -34,6 +34,14 @@ void warnIfCut(const glow::ImageSummary &summary)
     }
 }
 
+void drawProgress(int percent, const QString &word)
+{
+    constexpr int width = 40;
+    const int filled = percent * width / 100;
+    QTextStream(stderr) << "\r[" << QString(filled, u'#') << QString(width - filled, u' ') << "] " << percent << "% "
+                        << word << (percent == 100 ? "\n" : "");
+}
+
 Command::Command(const QString &commandName, const QString &does, const QString &example)
     : name(commandName)
 {

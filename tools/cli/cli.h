@@ -21,6 +21,7 @@ int show(const QStringList &arguments);
 int relink(const QStringList &arguments);
 int pictures(const QStringList &arguments);
 int upload(const QStringList &arguments);
+int film(const QStringList &arguments);
 
 // Shared by the commands.
 
@@ -30,6 +31,9 @@ void complain(const QString &line);
 
 // A warning if the image does not hold all of its show.
 void warnIfCut(const glow::ImageSummary &summary);
+
+// A bar on standard error that stays in its line until it is full, with a word behind it.
+void drawProgress(int percent, const QString &word = QString());
 
 // A parser whose help shows the command, what it does, the arguments and an example.
 struct Command

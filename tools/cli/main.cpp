@@ -25,6 +25,7 @@ constexpr Entry entries[] = {
     {"relink", "find lost pictures in a folder", cli::relink},
     {"pictures", "gather the project's pictures in a folder", cli::pictures},
     {"upload", "send a track to the prop", cli::upload},
+    {"film", "make a film of the spinning prop with the song under it", cli::film},
 };
 
 QString usage()

@@ -8,19 +8,10 @@
 #include <QFileInfo>
 #include <QSerialPort>
 #include <QTemporaryDir>
-#include <QTextStream>
 
 namespace cli {
 
 namespace {
-
-void drawProgress(int percent)
-{
-    constexpr int width = 40;
-    const int filled = percent * width / 100;
-    QTextStream(stderr) << "\r[" << QString(filled, u'#') << QString(width - filled, u' ') << "] " << percent << "%"
-                        << (percent == 100 ? "\n" : "");
-}
 
 // One port alone is tried if it is the only one behind the pattern: a link with the number 0 in a folder of our own.
 bool useOnly(const QString &port, const QTemporaryDir &folder)
