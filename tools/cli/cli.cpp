@@ -92,18 +92,18 @@ bool openProject(const QString &path, glow::Project &project)
                      .arg(path));
         return false;
     }
-    QByteArray bytes;
-    if (!glow::readWholeFile(path, bytes)) {
+    const std::optional<QByteArray> bytes = glow::readWholeFile(path);
+    if (!bytes.has_value()) {
         complain(QStringLiteral("%1: cannot be read").arg(path));
         return false;
     }
     // The shortest project: the two numbers and the text "null".
     constexpr int shortest = 22;
-    if (bytes.size() < shortest) {
+    if (bytes->size() < shortest) {
         complain(QStringLiteral("%1: too short for a project").arg(path));
         return false;
     }
-    project = glow::readProject(bytes);
+    project = glow::readProject(*bytes);
     return true;
 }
 
