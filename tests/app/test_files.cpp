@@ -11,7 +11,6 @@
 #include "support/samples.h"
 
 #include <QBuffer>
-#include <QDataStream>
 #include <QTemporaryDir>
 #include <QtEndian>
 #include <QtTest>
@@ -27,31 +26,6 @@ namespace {
 
 const QByteArray head = QByteArray::fromHex("004640A068000000000000000008006E0075006C006C");
 const QByteArray separator = QByteArray::fromHex("000000044E455854");
-
-// The reading rules once more, by the stream that defines them.
-Project readByStream(const QByteArray &bytes)
-{
-    QDataStream stream(bytes);
-    Project project;
-    stream >> project.ledCount >> project.frameRate >> project.songPath;
-    project.tracks.resize(1);
-    while (!stream.atEnd()) {
-        QByteArray item;
-        stream >> item;
-        if (item == "NEXT") {
-            project.tracks.resize(project.tracks.size() + 1);
-        } else {
-            project.tracks.last().append(item);
-        }
-    }
-    return project;
-}
-
-// What shows are compared by: a rate that is no number equals nothing, so its bytes stand for it.
-auto factsOf(const Project &project)
-{
-    return std::make_tuple(project.tracks, project.songPath, glow::writeProject(project).left(10));
-}
 
 } // namespace
 
@@ -126,26 +100,22 @@ private slots:
         };
         for (const auto &[tracks, items] : cases) {
             QCOMPARE(glow::writeProject(Project{70, 2100.0F, "null", tracks}), head + items);
-            QVERIFY(factsOf(glow::readProject(head + items)) == factsOf({70, 2100.0F, "null", tracks}));
+            const Project back = glow::readProject(head + items);
+            QVERIFY(back.ledCount == 70 && back.frameRate == 2100.0F && back.songPath == "null");
+            QCOMPARE(back.tracks, tracks);
         }
-        QVERIFY(!glow::readProject(head).hasSong() && !glow::readProject(QByteArray()).hasSong());
+        // Cut off or foreign: what is not there whole is empty, and a track is there in any case.
+        QVERIFY(!glow::readProject(head).hasSong() && !glow::readProject(head.left(16)).hasSong());
+        QCOMPARE(glow::readProject(head.left(10) + QByteArray::fromHex("00000003") + x).songPath, QString()); // odd
+        QCOMPARE(glow::readProject(head.left(10) + QByteArray::fromHex("00000003") + x).tracks.first().first(),
+                 QByteArray("x"));
+        for (const char *end : {"00", "0000000278", "fffffffe78", "ffffffff"}) {
+            QCOMPARE(glow::readProject(head + x + QByteArray::fromHex(end)).tracks,
+                     (decltype(Project::tracks){{"x", ""}}));
+        }
+        const Project none = glow::readProject(QByteArray());
+        QVERIFY(none.ledCount == 0 && none.frameRate == 0 && none.tracks.size() == 1 && !none.hasSong());
         QVERIFY(glow::isProjectPath("/old.gsw3/a.gsw") && !glow::isProjectPath("/shows/a.GSW3"));
-    }
-
-    void damagedProjectsReadAsTheStreamReadsThem()
-    {
-        const QByteArray whole = glow::writeProject(
-            {70, 2100.0F, "歌/song.mp3", {{"first", QByteArray(60, '\1')}, {}, {QByteArray(45, '\xFF')}}});
-        QByteArrayList damaged{head + QByteArray::fromHex("80000000") + "abcd", QByteArray(1 << 20, '\xFF')};
-        for (int i = 0; i < whole.size(); ++i) {
-            damaged << whole.left(i) << whole.left(i) + whole.mid(i + 1) << whole.left(i) + 'x' + whole.mid(i);
-            for (const char value : {'\0', '\1', '\x7F', '\xFF'}) {
-                damaged << QByteArray(whole).replace(i, 1, QByteArray(1, value));
-            }
-        }
-        for (const QByteArray &bytes : qAsConst(damaged)) {
-            QVERIFY2(factsOf(glow::readProject(bytes)) == factsOf(readByStream(bytes)), bytes.toHex().left(1000));
-        }
     }
 
     void oldLinesAreWholeOrDropped()
@@ -191,19 +161,17 @@ private slots:
                 QCOMPARE(glow::writeWholeFile(path, bytes).state, WriteResult::Written);
                 QCOMPARE(contentOf(path), bytes);
             }
-#ifdef Q_OS_UNIX
-            for (const QByteArray &old : {QByteArray(room - 100, 'o'), QByteArray()}) {
-                QVERIFY(old.isEmpty() ? QFile::remove(path) : put(path, old));
-                {
+            for (const int old : {room - 100, 0}) {
+                QVERIFY(old == 0 ? QFile::remove(path) : put(path, QByteArray(old, 'o')));
+                if (SmallDisk::works) {
                     const SmallDisk disk(room);
                     const WriteResult result = glow::writeWholeFile(path, QByteArray(room + 100, 'n'));
                     QVERIFY(result.state == WriteResult::Failed && !result.error.isEmpty());
                 }
-                QVERIFY(old.isEmpty() ? !QFile::exists(path) : contentOf(path) == old);
+                QVERIFY(old == 0 ? !QFile::exists(path) : contentOf(path) == QByteArray(old, 'o'));
                 // Nothing else stays beside it.
-                QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden).size(), old.isEmpty() ? 0 : 1);
+                QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden).size(), old == 0 ? 0 : 1);
             }
-#endif
         }
     }
 
@@ -215,18 +183,15 @@ private slots:
         const auto permissions = QFile::ReadOwner | QFile::WriteOwner | QFile::ReadGroup;
         QVERIFY(put(target, "old") && QFile::setPermissions(target, permissions) && QFile::link(target, link));
         QCOMPARE(glow::writeWholeFile(link, "new").state, WriteResult::Written);
-        QVERIFY(QFileInfo(link).isSymLink());
-        QCOMPARE(contentOf(target), QByteArray("new"));
+        QVERIFY(QFileInfo(link).isSymLink() && contentOf(target) == "new");
         QCOMPARE(QFile::permissions(target) & ~(QFile::ReadUser | QFile::WriteUser), permissions);
-
         for (const QString &path : {dir.path(), dir.filePath("no/such/folder.gsw3"), QString()}) {
             QCOMPARE(glow::writeWholeFile(path, "x").state, WriteResult::NotOpened);
         }
         // A device is opened, and written straight.
         if (QFile::exists("/dev/full")) {
             const WriteResult result = glow::writeWholeFile("/dev/full", "x");
-            QVERIFY(result.state == WriteResult::Failed && !result.error.isEmpty());
-            QVERIFY(QFile::exists("/dev/full") && !QFileInfo("/dev/full").isFile());
+            QVERIFY(result.state == WriteResult::Failed && !result.error.isEmpty() && QFile::exists("/dev/full"));
         }
     }
 

@@ -3,17 +3,10 @@
 
 #include "mousedriver.h"
 #include "preview/mygl.h"
-#include "support/samples.h"
 #include "support/windowtest.h"
-#include "timeline/indicator.h"
-#include "timeline/timeline.h"
-#include "timeline/timelineheaders.h"
-#include "timeline/timelineitem.h"
-#include "ui_mainwindow.h"
 
 #include <QClipboard>
 #include <QScrollBar>
-#include <QtTest>
 
 class ShowTest : public WindowTest
 {
@@ -68,15 +61,6 @@ protected:
         for (const QString &span : spans.split(' '))
             add(current(), span.section('-', 0, 0).toInt(), span.section('-', 1).toInt());
         return current()->items.at(before);
-    }
-
-    // The items' times in list order, in the same form.
-    static QString spans(const Timeline *track)
-    {
-        QStringList texts;
-        for (const TimelineItem *item : track->items)
-            texts << QString("%1-%2").arg(glow::msOf(item->startTime)).arg(glow::msOf(item->endTime));
-        return texts.join(' ');
     }
 
     // A point of the current track, or of another one, at the height of an item's middle: a step of a drag.

@@ -1,20 +1,13 @@
 // The window as a user meets it: row labels beside their tracks, nothing cut off at the smallest size in either
 // language, a play-head that is always seen, and a name for every control.
 #include "forms/style.h"
-#include "support/windowcheck.h"
 #include "support/windowtest.h"
-#include "timeline/indicator.h"
-#include "timeline/timeline.h"
-#include "timeline/timelineheaders.h"
-#include "ui_mainwindow.h"
 
 #include <QAccessible>
 #include <QLabel>
-#include <QMessageBox>
 #include <QRegularExpression>
 #include <QScreen>
 #include <QTranslator>
-#include <QtTest>
 
 namespace {
 
@@ -187,32 +180,6 @@ private slots:
         QVERIFY(label);
         label->ensurePolished();
         QCOMPARE(label->palette().color(QPalette::WindowText), QColor(255, 255, 255));
-    }
-
-    void englishHasTheRightContexts()
-    {
-        const QVector<QVector<const char *>> messages{
-            {"MainWindow", "檔案", "File"},
-            {"WorkerThread", "偵測不到裝置！", "No device detect!"}, // upload
-            {"MainWindow", "偵測不到裝置！", "No device detected!"}, // wipe
-            {"setup", "偵測不到裝置！", ""},                         // terminal
-            {"about", "有更新 ", "New version "},
-            {"about", "是否更新？<br>", "Update? <br>"},
-            {"about", "開新檔案", "New"},
-            {"MainWindow", "開新檔案", ""},
-            {"TimelineItem", "開始時間: ", "start time: "},
-            {"Timeline", "結束時間: ", "end time: "},
-            {"ScreenCapture", "儲存圖片", "Save"},
-            {"MainWindow", "音樂播放/暫停", "Music paly/pause"}, // wording kept as it is
-            {"MainWindow", "<font color='white'>未儲存部分將會流失，確定讀取舊檔?</font>",
-             "<font color='white'>Search loss picture?</font>"},
-            {"MainWindow", "靜態1", ""},
-            {"MainWindow", "轉檔中...", ""},
-        };
-        QTranslator translator;
-        QVERIFY(translator.load(":/language/language/english.qm"));
-        for (const QVector<const char *> &message : messages)
-            QCOMPARE(translator.translate(message.at(0), message.at(1)), QString(message.at(2)));
     }
 };
 

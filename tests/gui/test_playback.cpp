@@ -1,17 +1,9 @@
 // Playing in the window, with a song and in silence: the controls, and the preview that follows.
 #include "preview/mygl.h"
 #include "song/songmaker.h"
-#include "support/samples.h"
 #include "support/windowtest.h"
-#include "timeline/indicator.h"
-#include "timeline/timeline.h"
-#include "timeline/timelineheaders.h"
-#include "timeline/timelineitem.h"
-#include "ui_mainwindow.h"
 
 #include <QProgressDialog>
-#include <QSignalSpy>
-#include <QtTest>
 
 class TestPlayback : public WindowTest
 {
@@ -45,12 +37,6 @@ private:
         QTRY_COMPARE(shown(), ms);
         QTRY_COMPARE(ui->Song_Slider->value(), ms);
     }
-    void clickRuler(int x) { QTest::mouseClick(ui->timeline_headers, Qt::LeftButton, Qt::NoModifier, QPoint(x, 25)); }
-    void editTime(const QTime &time)
-    {
-        ui->Song_time->setTime(time);
-        emit ui->Song_time->editingFinished();
-    }
 
 private slots:
     void silenceRunsFromThePlayHead()
@@ -69,20 +55,17 @@ private slots:
         const int stopped = shown();
         ui->Song_play->click(); // goes on from where it stopped
         QVERIFY(shown() >= stopped && shown() < stopped + 2000);
-        QSignalSpy moved(playHead(), &Indicator::moved);
         ui->Song_Stop->click();
         QVERIFY(showsIcon("play.png") && !clockRuns());
         verifyPlace(0);
-        QCOMPARE(moved, (QList<QVariantList>{{0, false}}));
 
         // The clock runs on beyond the end of the show.
         ui->timeline_max->setTime(QTime(0, 0, 0, 100));
         ui->Song_Slider->setMaximum(100);
         ui->Song_play_2->trigger();
         QTRY_VERIFY(shown() > 200);
-        QVERIFY(clockRuns());
+        QVERIFY(clockRuns() && playHead()->x() > ui->timeline_headers->width());
         QCOMPARE(ui->Song_Slider->value(), 100);
-        QVERIFY(playHead()->x() > ui->timeline_headers->width());
     }
 
     // Whatever has the focus: a key that a button and an action both hold would be ambiguous, and then neither answers.
@@ -116,8 +99,8 @@ private slots:
         ui->NEW_radio->setChecked(true);
         window->player->blockSignals(true);
         ui->Song_play->click();
-        QVERIFY(!window->player->signalsBlocked());
-        QVERIFY(ui->Mode_t1->time() < QTime(0, 1)); // a new pattern begins at the play-head
+        // A new pattern begins at the play-head.
+        QVERIFY(!window->player->signalsBlocked() && ui->Mode_t1->time() < QTime(0, 1));
         QTRY_VERIFY(playHead()->x() > 20);
         ui->Song_play->click();
         QCOMPARE(state(), QMediaPlayer::PausedState);
@@ -125,19 +108,23 @@ private slots:
         QVERIFY(qAbs(ui->Mode_t1->time().msecsTo(playHead()->indicatorTime)) <= 10);
 
         // Something else stands in the preview meanwhile; the next notification brings the pattern back.
-        QCOMPARE(window->previewItem, red);
         window->Oviewer_change(0, 0, 255);
         ui->Song_play->click();
-        QTRY_COMPARE(window->previewItem, red);
-        QCOMPARE(QColor(ui->GLWidget->pixelAt(0, 0)), QColor(Qt::red));
+        QTRY_COMPARE(QColor(ui->GLWidget->pixelAt(0, 0)), QColor(Qt::red));
+        QCOMPARE(window->previewItem, red);
 
         // Stop rewinds and never unloads the song.
-        QSignalSpy states(window->player, &QMediaPlayer::stateChanged);
         ui->Song_Stop->click();
         verifyPlace(0);
-        QVERIFY(showsIcon("play.png"));
-        for (const QList<QVariant> &change : states)
-            QCOMPARE(change.first().value<QMediaPlayer::State>(), QMediaPlayer::PausedState);
+        QVERIFY(showsIcon("play.png") && state() == QMediaPlayer::PausedState);
+
+        // Its file may go while it plays.
+        ui->Song_play->click();
+        QTRY_VERIFY(playHead()->x() > 5);
+        QVERIFY(QFile::remove(env->path("song.wav")));
+        QTRY_VERIFY(state() != QMediaPlayer::PlayingState);
+        ui->Song_play->click();
+        QVERIFY(window->hasSong() && !window->decodeProgress->isVisible());
     }
 
     void seeking()
@@ -145,15 +132,17 @@ private slots:
         const auto seekEveryWay = [this] {
             emit ui->Song_Slider->sliderMoved(2000);
             verifyPlace(2000);
-            editTime(QTime(0, 0, 3));
+            ui->Song_time->setTime(QTime(0, 0, 3));
+            emit ui->Song_time->editingFinished();
             verifyPlace(3000);
-            clickRuler(40);
+            QTest::mouseClick(ui->timeline_headers, Qt::LeftButton, Qt::NoModifier, QPoint(40, 25));
             verifyPlace(400);
             QVERIFY(!clockRuns() && state() != QMediaPlayer::PlayingState);
         };
         seekEveryWay();
         ui->Song_play->click();
-        editTime(QTime(0, 3)); // an edit under the running clock is overwritten
+        ui->Song_time->setTime(QTime(0, 3)); // an edit under the running clock is overwritten
+        emit ui->Song_time->editingFinished();
         QTRY_VERIFY(shown() < 120000);
         emit ui->Song_Slider->sliderMoved(120000); // a seek runs on from its place
         QTRY_VERIFY(shown() >= 120050);
@@ -169,27 +158,10 @@ private slots:
         QCOMPARE(shown(), 15000); // for a moment only
         QTRY_VERIFY(shown() < 10000);
         QVERIFY(window->player->position() < 10000);
-        clickRuler(1200);
+        QTest::mouseClick(ui->timeline_headers, Qt::LeftButton, Qt::NoModifier, QPoint(1200, 25));
         QTRY_VERIFY(window->player->position() >= 12000);
         QTRY_VERIFY(shown() > 12000);
         QCOMPARE(state(), QMediaPlayer::PlayingState);
-    }
-
-    void theSongOrTheWindowGoesWhileItPlays()
-    {
-        readSong(1500);
-        ui->Song_play->click();
-        QTRY_VERIFY(playHead()->x() > 5);
-        QVERIFY(QFile::remove(env->path("song.wav")));
-        QTRY_VERIFY(state() != QMediaPlayer::PlayingState);
-        ui->Song_Stop->click();
-        ui->Song_play->click();
-        QVERIFY(window->hasSong() && !window->decodeProgress->isVisible());
-
-        readSong(3000);
-        ui->Song_play->click();
-        QTRY_VERIFY(window->player->position() > 50);
-        window.reset();
     }
 };
 

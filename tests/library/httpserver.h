@@ -22,9 +22,9 @@ public:
 
     QByteArray url() const { return "http://127.0.0.1:" + QByteArray::number(serverPort()) + "/version"; }
 
-    void answer(const QByteArray &body, const QByteArray &status = "200 OK", const QByteArray &headers = QByteArray())
+    void answer(const QByteArray &body, const QByteArray &status = "200 OK")
     {
-        response = "HTTP/1.1 " + status + "\r\nConnection: close\r\n" + headers + "\r\n" + body;
+        response = "HTTP/1.1 " + status + "\r\nConnection: close\r\n\r\n" + body;
     }
 
     QByteArray response;     // empty: the connection stays open and nothing comes

@@ -33,3 +33,12 @@ TimelineItem *WindowTest::add(const QByteArray &blob)
     window->currentTimeline->addTimelineItem(item);
     return item;
 }
+
+QString WindowTest::spans(const Timeline *track)
+{
+    QStringList texts;
+    for (const TimelineItem *item : track->items) {
+        texts << QStringLiteral("%1-%2").arg(glow::msOf(item->startTime)).arg(glow::msOf(item->endTime));
+    }
+    return texts.join(u' ');
+}

@@ -27,6 +27,9 @@ protected:
     // A pattern on the current track, placed as it is.
     TimelineItem *add(const QByteArray &blob);
 
+    // The times of a track's patterns in list order, "0-1000 2000-3000".
+    static QString spans(const Timeline *track);
+
     QScopedPointer<TestEnv> env;
     QScopedPointer<MainWindow> window;
     Ui::MainWindow *ui = nullptr;
