@@ -6,15 +6,10 @@
 #include "show/model/timescale.h"
 #include "show/wire/portnames.h"
 #include "show/wire/portscan.h"
-#include "support/samples.h"
 #include "support/windowtest.h"
-#include "timeline/timeline.h"
-#include "timeline/timelineitem.h"
-#include "ui_mainwindow.h"
 
 #include <QLoggingCategory>
 #include <QSerialPort>
-#include <QtTest>
 
 constexpr int longest = 60000; // milliseconds, for what takes its time on a busy machine
 

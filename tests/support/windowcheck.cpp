@@ -10,13 +10,12 @@
 
 namespace {
 
-QString wrongItem(const Timeline &track, const TimelineItem &item, bool strays)
+QString wrongItem(const Timeline &track, const TimelineItem &item)
 {
-    const bool stray = strays && item.parentWidget() == nullptr;
-    if (!stray && item.parentWidget() != &track) {
+    if (item.parentWidget() != &track) {
         return QStringLiteral("an item is listed on a track that is not its parent");
     }
-    if (item.isHidden() != stray) {
+    if (item.isHidden()) {
         return QStringLiteral("a listed item is hidden");
     }
     const glow::PatternRecord record = glow::readPattern(item.itemData);
@@ -46,7 +45,7 @@ QString wrongLabel(const MainWindow &window, const Timeline &track)
 
 } // namespace
 
-QString whatIsWrong(const MainWindow &window, bool strays)
+QString whatIsWrong(const MainWindow &window)
 {
     int current = 0;
     QSet<const TimelineItem *> seen;
@@ -61,7 +60,7 @@ QString whatIsWrong(const MainWindow &window, bool strays)
                 return QStringLiteral("an item is listed twice");
             }
             seen.insert(item);
-            QString wrong = wrongItem(*track, *item, strays);
+            QString wrong = wrongItem(*track, *item);
             if (!wrong.isEmpty()) {
                 return wrong;
             }

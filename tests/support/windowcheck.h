@@ -7,6 +7,5 @@ class MainWindow;
 
 // Empty when all is well, else the first thing found wrong: every listed item is visible on its track and nowhere else
 // listed, exactly one track is current, the labels are numbered from the bottom and stand in their tracks' rows, the
-// editor's item and mode agree, every item's blob is in step with its members. The Delete key hides
-// a pattern that is not on the current track, yet leaves it on its list: only with strays may there be such.
-QString whatIsWrong(const MainWindow &window, bool strays = false);
+// editor's item and mode agree, every item's blob is in step with its members.
+QString whatIsWrong(const MainWindow &window);
