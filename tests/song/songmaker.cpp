@@ -1,8 +1,9 @@
 #include "song/songmaker.h"
 
+#include "support/samples.h"
+
 #include <QDataStream>
-#include <QFile>
-#include <QProcess>
+#include <QtEndian>
 
 #include <cmath>
 
@@ -10,10 +11,9 @@ namespace songs {
 
 namespace {
 
-const double pi = std::acos(-1.0);
-
 qint16 sampleAt(double seconds)
 {
+    const double pi = std::acos(-1.0);
     const double second = std::round(seconds);
     const double away = seconds - second;
     const double tone = 0.002 * std::sin(2 * pi * 60 * seconds);
@@ -25,36 +25,25 @@ qint16 sampleAt(double seconds)
 
 void writeWav(const QString &path, const Song &song)
 {
-    const auto frames = static_cast<quint32>(static_cast<qint64>(song.rate) * song.ms / 1000);
+    const auto frames = static_cast<int>(static_cast<qint64>(song.rate) * song.ms / 1000);
     const auto frameBytes = static_cast<quint16>(2 * song.channels);
+    const auto size = static_cast<quint32>(frames * frameBytes);
+    const auto word = [](const char *letters) { return qFromLittleEndian<quint32>(letters); };
     QByteArray bytes;
     QDataStream out(&bytes, QIODevice::WriteOnly);
     out.setByteOrder(QDataStream::LittleEndian);
-    out.writeRawData("RIFF", 4);
-    out << quint32(36 + frames * frameBytes);
-    out.writeRawData("WAVEfmt ", 8);
-    out << quint32(16) << quint16(1) << quint16(song.channels) << quint32(song.rate) << quint32(song.rate * frameBytes)
-        << frameBytes << quint16(16);
-    out.writeRawData("data", 4);
-    out << quint32(frames * frameBytes);
-    for (quint32 i = 0; i < frames; ++i) {
-        const qint16 sample = sampleAt(static_cast<double>(i) / song.rate);
-        for (int channel = 0; channel < song.channels; ++channel) {
-            out << sample;
-        }
+    out << word("RIFF") << 36 + size << word("WAVE") << word("fmt ") << quint32(16) << quint16(1)
+        << quint16(song.channels) << quint32(song.rate) << quint32(song.rate * frameBytes) << frameBytes << quint16(16)
+        << word("data") << size;
+    for (int i = 0; i < frames * song.channels && i < 2 * song.rate * song.channels; ++i) {
+        out << sampleAt(static_cast<double>(i / song.channels) / song.rate);
     }
-    writeBytes(path, bytes);
-}
-
-bool encode(const QString &from, const QString &to, const QStringList &options)
-{
-    return QProcess::execute("ffmpeg", QStringList{"-v", "error", "-y", "-i", from} + options + QStringList{to}) == 0;
-}
-
-void writeBytes(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
+    // From the first second on all seconds are alike.
+    const int second = song.rate * frameBytes;
+    while (bytes.size() < 44 + frames * frameBytes) {
+        bytes += bytes.mid(bytes.size() - second, 44 + frames * frameBytes - bytes.size());
+    }
+    if (!put(path, bytes)) {
         qFatal("cannot write a test song");
     }
 }

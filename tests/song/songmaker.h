@@ -2,7 +2,6 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
 
 namespace songs {
 
@@ -15,12 +14,11 @@ struct Song
 
 // Writes a RIFF file of 16-bit samples: a very soft tone, and around every whole second k above 0 a pulse of 8
 // milliseconds that peaks exactly at k.
+//
+// The songs in fixtures/ are such files of 3400 milliseconds and one channel, encoded with
+//     gst-launch-1.0 filesrc location=a.wav ! wavparse ! lamemp3enc target=bitrate bitrate=RATE ! filesink
+//     location=a.mp3
+// and, for the one with a table of contents, "xingmux" before the last step.
 void writeWav(const QString &path, const Song &song);
-
-// Encodes a file by ffmpeg; the format follows the name. False if there is none that makes it.
-bool encode(const QString &from, const QString &to, const QStringList &options);
-
-// A file of any bytes.
-void writeBytes(const QString &path, const QByteArray &bytes);
 
 } // namespace songs
