@@ -96,27 +96,11 @@ void printPlain(const QVector<glow::Finding> &findings, const glow::DeviceShow &
 
 } // namespace
 
-int check(const QStringList &arguments)
+ExitCode check(const Call &call, const glow::DeviceShow &show)
 {
-    Command command(
-        QStringLiteral("check"),
-        QStringLiteral(
-            "Tells what the prop will not show as drawn, and how far each entry drifts from the show's time. "
-            "Ends with 1 if something was found."),
-        QStringLiteral("glowsmith-cli check show.gsw3 --track 2"));
-    const TrackChoice choice;
-    choice.addTo(command);
-    const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Prints what was found as JSON."));
-    command.parser.addOption(json);
-    command.parser.addPositionalArgument(QStringLiteral("PROJECT"), QStringLiteral("A .gsw3 project."));
-    int code = Done;
-    glow::DeviceShow show;
-    if (!command.parse(arguments, 1, code) || !chosenShow(command, choice, show, code)) {
-        return code;
-    }
     const QVector<glow::ImageEntry> entries = glow::planImage(show);
     const QVector<glow::Finding> findings = glow::checkShow(show, entries);
-    if (command.parser.isSet(json)) {
+    if (call.isSet("json")) {
         printJson(asJson(findings, show, entries));
     } else {
         printPlain(findings, show, entries);

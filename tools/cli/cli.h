@@ -1,26 +1,72 @@
-// The command line's commands. Each takes its own arguments (its name already taken off), prints to standard output,
-// errors to standard error, and returns the exit code: 0 done, 1 it could not be done, 2 wrong use.
+// The command line's commands. Each is a row of one table (commands.cpp) and a function that does it: prints to
+// standard output, complains on standard error, and returns the exit code.
 #pragma once
 
 #include "show/image/deviceimage.h"
 #include "show/model/projectfile.h"
 
+#include <QCommandLineOption>
 #include <QCommandLineParser>
 #include <QJsonObject>
+#include <QList>
 #include <QString>
 #include <QStringList>
+#include <QVector>
+
+#include <optional>
 
 namespace cli {
 
-enum ExitCode { Done = 0, Failed = 1, WrongUse = 2 };
+enum ExitCode {
+    Done = 0,
+    Failed = 1,  // it could not be done, or check found something
+    WrongUse = 2 // of the arguments
+};
 
-int info(const QStringList &arguments);
-int check(const QStringList &arguments);
-int exportShow(const QStringList &arguments);
-int show(const QStringList &arguments);
-int relink(const QStringList &arguments);
-int pictures(const QStringList &arguments);
-int upload(const QStringList &arguments);
+class Call;
+
+struct Command
+{
+    const char *name;
+    const char *purpose;     // its line in the list of commands
+    const char *does;        // what its help says, in sentences
+    const char *example;     // a whole line, behind the program's name
+    const char *operand;     // what the one operand is called in the help
+    const char *operandHelp; // and what it is
+    QList<QCommandLineOption> options;
+    const char *needed; // the option without which there is nothing to do; empty for none
+    ExitCode (*run)(const Call &call);
+};
+
+QVector<Command> commands();
+
+// Parses the arguments behind the command's name and does what they say. Help and wrong use end here.
+ExitCode run(const Command &command, const QStringList &arguments);
+
+// A command as it was called, understood and with everything that it needs.
+class Call
+{
+public:
+    Call(const Command &command, const QCommandLineParser &parser);
+
+    QString operand() const;
+    bool isSet(const char *option) const;
+    QString value(const char *option) const;
+    // Nothing, after a complaint, if the option holds anything but a number within the bounds.
+    std::optional<int> number(const char *option, int least, int most) const;
+
+private:
+    const Command &command;
+    const QCommandLineParser &parser;
+};
+
+ExitCode info(const Call &call);
+ExitCode check(const Call &call, const glow::DeviceShow &show);
+ExitCode exportBin(const Call &call, const glow::DeviceShow &show);
+ExitCode drawPicture(const Call &call);
+ExitCode relink(const Call &call);
+ExitCode gatherPictures(const Call &call);
+ExitCode upload(const Call &call, const glow::DeviceShow &show);
 
 // Shared by the commands.
 
@@ -31,46 +77,14 @@ void complain(const QString &line);
 // A warning if the image does not hold all of its show.
 void warnIfCut(const glow::ImageSummary &summary);
 
-// A parser whose help shows the command, what it does, the arguments and an example.
-struct Command
-{
-    Command(const QString &name, const QString &does, const QString &example);
+// A project of the current form; nothing, after a complaint, if it cannot be read or is none.
+std::optional<glow::Project> openProject(const QString &path);
 
-    // Parses; true if the command goes on. Otherwise code is what the program ends with: help was asked for, or the use
-    // is wrong.
-    bool parse(const QStringList &arguments, int positionals, int &code);
-
-    QString operand(int index) const { return parser.positionalArguments().value(index); }
-    // A number within bounds; complains and returns false if the option holds anything else.
-    bool number(const QCommandLineOption &option, int least, int most, int &value) const;
-
-    QString name;
-    QCommandLineParser parser;
-};
-
-// Reads a project of the current form; complains and returns false if it cannot be read or is none.
-bool openProject(const QString &path, glow::Project &project);
+// Does something with the track that the call chooses (trackOptions) of the project that it names; complains if there
+// is none or the track is empty.
+ExitCode withShow(const Call &call, ExitCode (*run)(const Call &call, const glow::DeviceShow &show));
 
 // The options that say which track is made into a device image, and how.
-struct TrackChoice
-{
-    QCommandLineOption track{
-        QStringLiteral("track"),
-        QStringLiteral("The track by the number of its label in the window, 1 for the lowest. Default: the "
-                       "one that is current when the project is opened, which is the last."),
-        QStringLiteral("N")};
-    QCommandLineOption slot{QStringLiteral("slot"), QStringLiteral("The track slot on the prop, 1 to 8."),
-                            QStringLiteral("1-8"), QStringLiteral("1")};
-    QCommandLineOption once{QStringLiteral("once"), QStringLiteral("Play once instead of starting over at the end.")};
-    QCommandLineOption startMark{QStringLiteral("start-mark"),
-                                 QStringLiteral("Where the show starts, in milliseconds."), QStringLiteral("MS"),
-                                 QStringLiteral("0")};
-
-    void addTo(Command &command) const;
-};
-
-// The device show of the chosen track of the project that is the command's first operand. False, with the exit code and
-// after a complaint, if there is none or the track is empty.
-bool chosenShow(const Command &command, const TrackChoice &choice, glow::DeviceShow &show, int &code);
+QList<QCommandLineOption> trackOptions();
 
 } // namespace cli

@@ -58,6 +58,24 @@ QJsonObject describe(const glow::Project &project)
             {QStringLiteral("lostPictures"), lost}};
 }
 
+QString lineOf(const QJsonObject &pattern)
+{
+    const auto time = [&pattern](const QString &key) {
+        return glow::timeText(glow::timeOf(pattern.value(key).toInt()));
+    };
+    QString line = QStringLiteral("  %1 - %2  %3 x%4")
+                       .arg(time(QStringLiteral("startMs")), time(QStringLiteral("endMs")))
+                       .arg(pattern.value(QStringLiteral("kind")).toString(), -8)
+                       .arg(pattern.value(QStringLiteral("repeats")).toInt());
+    if (pattern.contains(QStringLiteral("picture"))) {
+        line += QStringLiteral("  ") + pattern.value(QStringLiteral("picture")).toString();
+    }
+    if (pattern.value(QStringLiteral("lost")).toBool()) {
+        line += QStringLiteral(" (lost)");
+    }
+    return line;
+}
+
 void printPlain(const QJsonObject &facts)
 {
     const QString prop = facts.value(QStringLiteral("prop")).toString(QStringLiteral("custom prop"));
@@ -74,43 +92,22 @@ void printPlain(const QJsonObject &facts)
     for (const QJsonValue &track : tracks) {
         const QJsonArray patterns = track.toArray();
         print(QStringLiteral("track %1       %2 patterns").arg(++number).arg(patterns.size()));
-        for (const QJsonValue &value : patterns) {
-            const QJsonObject pattern = value.toObject();
-            QString line = QStringLiteral("  %1 - %2  %3 x%4")
-                               .arg(glow::timeText(glow::timeOf(pattern.value(QStringLiteral("startMs")).toInt())),
-                                    glow::timeText(glow::timeOf(pattern.value(QStringLiteral("endMs")).toInt())))
-                               .arg(pattern.value(QStringLiteral("kind")).toString(), -8)
-                               .arg(pattern.value(QStringLiteral("repeats")).toInt());
-            if (pattern.contains(QStringLiteral("picture"))) {
-                line += QStringLiteral("  ") + pattern.value(QStringLiteral("picture")).toString();
-            }
-            if (pattern.value(QStringLiteral("lost")).toBool()) {
-                line += QStringLiteral(" (lost)");
-            }
-            print(line);
+        for (const QJsonValue &pattern : patterns) {
+            print(lineOf(pattern.toObject()));
         }
     }
 }
 
 } // namespace
 
-int info(const QStringList &arguments)
+ExitCode info(const Call &call)
 {
-    Command command(QStringLiteral("info"), QStringLiteral("Tells what a project holds."),
-                    QStringLiteral("glowsmith-cli info show.gsw3 --json"));
-    const QCommandLineOption json(QStringLiteral("json"), QStringLiteral("Prints the facts as JSON."));
-    command.parser.addOption(json);
-    command.parser.addPositionalArgument(QStringLiteral("PROJECT"), QStringLiteral("A .gsw3 project."));
-    int code = Done;
-    glow::Project project;
-    if (!command.parse(arguments, 1, code)) {
-        return code;
-    }
-    if (!openProject(command.operand(0), project)) {
+    const std::optional<glow::Project> project = openProject(call.operand());
+    if (!project) {
         return Failed;
     }
-    const QJsonObject facts = describe(project);
-    if (command.parser.isSet(json)) {
+    const QJsonObject facts = describe(*project);
+    if (call.isSet("json")) {
         printJson(facts);
     } else {
         printPlain(facts);

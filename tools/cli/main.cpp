@@ -10,28 +10,11 @@
 
 namespace {
 
-struct Entry
-{
-    const char *name;
-    const char *does;
-    int (*run)(const QStringList &);
-};
-
-constexpr Entry entries[] = {
-    {"info", "what a project holds: prop, song, tracks, patterns, lost pictures", cli::info},
-    {"check", "what the prop will not show as drawn", cli::check},
-    {"export", "write a track as a .bin file, as the window does", cli::exportShow},
-    {"show", "draw what the prop will show as a picture", cli::show},
-    {"relink", "find lost pictures in a folder", cli::relink},
-    {"pictures", "gather the project's pictures in a folder", cli::pictures},
-    {"upload", "send a track to the prop", cli::upload},
-};
-
 QString usage()
 {
     QString text = QStringLiteral("Usage: glowsmith-cli COMMAND [ARGUMENTS]\n\nCommands:\n");
-    for (const Entry &entry : entries) {
-        text += QStringLiteral("  %1 %2\n").arg(QLatin1String(entry.name), -10).arg(QLatin1String(entry.does));
+    for (const cli::Command &command : cli::commands()) {
+        text += QStringLiteral("  %1 %2\n").arg(QLatin1String(command.name), -10).arg(QLatin1String(command.purpose));
     }
     text += QStringLiteral("\nglowsmith-cli COMMAND --help tells more.\n\n"
                            "Examples:\n"
@@ -71,9 +54,9 @@ int main(int argc, char *argv[])
         cli::print(QStringLiteral("glowsmith-cli %1").arg(glow::programVersion, 0, 'f', 3));
         return cli::Done;
     }
-    for (const Entry &entry : entries) {
-        if (name == QLatin1String(entry.name)) {
-            return entry.run(arguments);
+    for (const cli::Command &command : cli::commands()) {
+        if (name == QLatin1String(command.name)) {
+            return cli::run(command, arguments);
         }
     }
     cli::complain(name.isEmpty() ? usage()

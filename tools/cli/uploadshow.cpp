@@ -99,25 +99,10 @@ bool writeParts(const glow::DeviceShow &show, QFile &frames, QFile &header)
 
 } // namespace
 
-int upload(const QStringList &arguments)
+ExitCode upload(const Call &call, const glow::DeviceShow &show)
 {
-    Command command(
-        QStringLiteral("upload"),
-        QStringLiteral("Sends a track to the prop. Without --port every port is asked in turn until a prop answers."),
-        QStringLiteral("glowsmith-cli upload show.gsw3 --port /dev/ttyACM0"));
-    const TrackChoice choice;
-    choice.addTo(command);
-    const QCommandLineOption port(QStringLiteral("port"), QStringLiteral("The only port to try."),
-                                  QStringLiteral("NAME"));
-    command.parser.addOption(port);
-    command.parser.addPositionalArgument(QStringLiteral("PROJECT"), QStringLiteral("A .gsw3 project."));
-    int code = Done;
-    glow::DeviceShow show;
-    if (!command.parse(arguments, 1, code) || !chosenShow(command, choice, show, code)) {
-        return code;
-    }
     const QTemporaryDir folder;
-    if (!folder.isValid() || (command.parser.isSet(port) && !useOnly(command.parser.value(port), folder))) {
+    if (!folder.isValid() || (call.isSet("port") && !useOnly(call.value("port"), folder))) {
         return Failed;
     }
     QFile frames(folder.filePath(glow::frameDataFile()));

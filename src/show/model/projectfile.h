@@ -30,6 +30,9 @@ struct Project
     bool hasSong() const;
 };
 
+// The shortest file that holds a project: the two numbers and the song's "null".
+constexpr int shortestProject = 22;
+
 // The shortest blob that holds a pattern: one with a null picture and a null text.
 constexpr int shortestPattern = 39;
 
