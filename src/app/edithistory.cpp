@@ -1,26 +1,19 @@
 #include "app/edithistory.h"
 
+#include "show/model/patternrecord.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineitem.h"
-
-#include <algorithm>
 
 namespace {
 
 // The newest position that the history reaches; beyond it the oldest snapshot goes.
 constexpr qint32 deepest = 100;
 
-// Blobs are shared between items and snapshots, so most comparisons end at the same address.
-bool sameBlob(const QByteArray &a, const QByteArray &b)
-{
-    return a.constData() == b.constData() ? a.size() == b.size() : a == b;
-}
-
 void restoreItem(Timeline *track, TimelineItem *item, const QByteArray &blob)
 {
     auto *holder = qobject_cast<Timeline *>(item->parentWidget());
     const bool placed = holder == track && track->items.contains(item);
-    if (holder != track || !sameBlob(blob, item->itemData)) {
+    if (holder != track || !glow::sameBlob(blob, item->itemData)) {
         item->loadData(blob);
     }
     if (placed) {
@@ -35,12 +28,6 @@ void restoreItem(Timeline *track, TimelineItem *item, const QByteArray &blob)
     track->addTimelineItem(item);
 }
 
-bool names(const EditHistory::Snapshot &snapshot, TimelineItem *item)
-{
-    return std::any_of(snapshot.cbegin(), snapshot.cend(),
-                       [item](const EditHistory::TrackSnapshot &track) { return track.contains(item); });
-}
-
 } // namespace
 
 EditHistory::~EditHistory()
@@ -51,19 +38,30 @@ EditHistory::~EditHistory()
 void EditHistory::clear()
 {
     while (!snapshots.isEmpty()) {
-        Snapshot *oldest = snapshots.takeFirst();
-        drop(oldest, snapshots.value(0));
+        drop(snapshots.takeFirst());
     }
     index = -1;
     destroyForgotten();
 }
 
-// Deletes a snapshot that is in the list no more and notes what the one next to it does not name.
-void EditHistory::drop(Snapshot *snapshot, const Snapshot *neighbour)
+void EditHistory::append(Snapshot *snapshot)
 {
     for (const TrackSnapshot &track : qAsConst(*snapshot)) {
         for (auto entry = track.constBegin(); entry != track.constEnd(); ++entry) {
-            if (neighbour == nullptr || !names(*neighbour, entry.key())) {
+            ++uses[entry.key()];
+        }
+    }
+    snapshots.append(snapshot);
+}
+
+// Deletes a snapshot that is in the list no more and notes what no other one names.
+void EditHistory::drop(Snapshot *snapshot)
+{
+    for (const TrackSnapshot &track : qAsConst(*snapshot)) {
+        for (auto entry = track.constBegin(); entry != track.constEnd(); ++entry) {
+            const auto count = uses.find(entry.key());
+            if (--*count == 0) {
+                uses.erase(count);
                 dropped.append(entry.key());
             }
         }
@@ -78,9 +76,7 @@ void EditHistory::destroyForgotten()
         if (item.isNull() || item->parentWidget() != nullptr) {
             continue;
         }
-        const bool named = std::any_of(snapshots.cbegin(), snapshots.cend(),
-                                       [&item](const Snapshot *snapshot) { return names(*snapshot, item); });
-        if (named || (isHeld && isHeld(item))) {
+        if (uses.contains(item) || (isHeld && isHeld(item))) {
             kept.append(item);
         } else {
             item->deleteLater();
@@ -102,20 +98,18 @@ bool EditHistory::record(const QList<Timeline *> &tracks)
         TrackSnapshot &held = fresh[track];
         for (TimelineItem *item : qAsConst(track->items)) {
             held.insert(item, item->itemData);
-            changed = changed || isNew || !sameBlob(known->value(item), item->itemData);
+            changed = changed || isNew || !glow::sameBlob(known->value(item), item->itemData);
         }
     }
     if (!changed) {
         return false;
     }
     while (index >= 0 && snapshots.size() - 1 > index) {
-        Snapshot *undone = snapshots.takeLast();
-        drop(undone, snapshots.last());
+        drop(snapshots.takeLast());
     }
-    snapshots.append(new Snapshot(fresh));
+    append(new Snapshot(fresh));
     if (index >= deepest) {
-        Snapshot *oldest = snapshots.takeFirst();
-        drop(oldest, snapshots.first());
+        drop(snapshots.takeFirst());
     } else {
         ++index;
     }

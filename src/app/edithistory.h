@@ -2,6 +2,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QHash>
 #include <QList>
 #include <QMap>
 #include <QPointer>
@@ -44,8 +45,10 @@ public:
     bool step(bool back, const QList<Timeline *> &tracks);
 
 private:
-    void drop(Snapshot *snapshot, const Snapshot *neighbour);
+    void append(Snapshot *snapshot);
+    void drop(Snapshot *snapshot);
     void destroyForgotten();
 
-    QVector<QPointer<TimelineItem>> dropped; // were named by snapshots that are gone
+    QHash<const TimelineItem *, int> uses;   // in how many snapshots and tracks of theirs an item is named
+    QVector<QPointer<TimelineItem>> dropped; // were named by snapshots that are gone, and by no other
 };

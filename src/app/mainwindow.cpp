@@ -1,7 +1,7 @@
 // The window's construction and its window-level events.
 #include "app/mainwindow.h"
 
-#include "app/recovery.h"
+#include "app/windowtitle.h"
 #include "device/workerthread.h"
 #include "forms/connectbyname.h"
 #include "forms/hints.h"
@@ -37,6 +37,14 @@ namespace {
 constexpr int leastScreenWidth = 1280;
 constexpr int leastScreenHeight = 720;
 
+void fill(QActionGroup &group, const QList<QAction *> &actions)
+{
+    for (QAction *action : actions) {
+        group.addAction(action);
+    }
+    group.setExclusive(true);
+}
+
 // What a form's set-up asks of the resources must be there before the form.
 Ui::MainWindow *newForm()
 {
@@ -50,11 +58,40 @@ MainWindow::MainWindow(QWidget *parent)
     : QMainWindow(parent)
     , ui(newForm())
 {
+    setUpForm();
+    connectForm();
+    glow::seedRandomDraws(QTime::currentTime().msecsSinceStartOfDay());
+    player = new QMediaPlayer(this, QMediaPlayer::StreamPlayback);
+    player->setNotifyInterval(static_cast<int>(tickMs));
+    setUpGroups();
+    setUpHistory();
+    on_timeline_add_clicked(); // a track stands from here on: whatever follows may move the play-head over it
+    setUpTimeline();
+    connect(ui->Add_Button, &MyButton::hovered, this, &MainWindow::on_Addbutton_hovered);
+    setUpSong();
+    fill(*chipGroup, {ui->actionCX2802, ui->actionAPA102C});
+    setAcceptDrops(true);
+
+    renderText();
+    loadPresets(); // opens a project of the command line, so all of the above must stand
+    modified = false;
+    ui->action_admin->setEnabled(true);
+    warnOfSmallScreen();
+
+    // None of this can be undone.
+    history.clear();
+    updateStatus();
+    ui->statusBar->showMessage(QStringLiteral("WELCOME!!"));
+}
+
+void MainWindow::setUpForm()
+{
     ui->setupUi(this);
     const QString family = glow::familyForTexts();
     if (!family.isEmpty()) {
         ui->fontComboBox->setCurrentFont(QFont(family));
     }
+    // From here on a control that changes does its work, so only now.
     glow::connectByName(this);
     glow::applyStyle(this);
     glow::addHints(this);
@@ -63,7 +100,11 @@ MainWindow::MainWindow(QWidget *parent)
     ui->Mode_Pic->setFocus();
     patternWidth = ui->Leds->value();
     ledCount = static_cast<qint16>(ui->Leds->value());
+}
 
+// What is connected by no slot's name and needs nothing but the form.
+void MainWindow::connectForm()
+{
     connect(ui->dockWidget_3, &QDockWidget::topLevelChanged, this, [this](bool floats) {
         if (floats) {
             ui->dockWidget_3->setGeometry(ui->dockWidget_3->x(), ui->dockWidget_3->y(), 50, 50);
@@ -71,18 +112,18 @@ MainWindow::MainWindow(QWidget *parent)
     });
     connect(ui->timeline_scroll, &ScrollArea::scrolled_with_ctl, this, &MainWindow::on_timeline_scrolled);
     connect(ui->Song_time, &myTime::timer_timeout, this, &MainWindow::timerTimeout);
+}
 
-    glow::seedRandomDraws(QTime::currentTime().msecsSinceStartOfDay());
-
-    player = new QMediaPlayer(this, QMediaPlayer::StreamPlayback);
-    player->setNotifyInterval(static_cast<int>(tickMs));
+void MainWindow::setUpGroups()
+{
     languageGroup = new QActionGroup(this);
-    gadgetGroup = new QActionGroup(this);
+    gadgetGroup = new QActionGroup(this); // filled with the catalogue's rows by buildGadgetMenu
     chipGroup = new QActionGroup(this);
-    languageGroup->addAction(ui->actionChinese);
-    languageGroup->addAction(ui->actionEnglish);
-    languageGroup->setExclusive(true);
+    fill(*languageGroup, {ui->actionChinese, ui->actionEnglish}); // in the order of AppSettings::Language
+}
 
+void MainWindow::setUpHistory()
+{
     history.isHeld = [this](const TimelineItem *item) {
         // The Delete key takes a pattern of another track off that track, yet leaves it on its list.
         const auto holds = [item](const Timeline *track) {
@@ -90,46 +131,6 @@ MainWindow::MainWindow(QWidget *parent)
         };
         return item == currentItem || item == previewItem || std::any_of(timelines.cbegin(), timelines.cend(), holds);
     };
-    on_timeline_add_clicked();
-
-    ui->audio_frame->setAttribute(Qt::WA_TransparentForMouseEvents);
-    on_timeline_max_timeChanged(ui->timeline_max->time());
-    ui->Song_Slider->setMaximum(glow::msOf(ui->timeline_max->time()));
-
-    QScrollBar *rows = ui->timeline_scroll_2->verticalScrollBar();
-    connect(rows, &QScrollBar::rangeChanged, this, &MainWindow::timeline_vertical_scroll_changed);
-    connect(ui->timeline_vertical_scrollbar, &QScrollBar::valueChanged, rows, &QScrollBar::setValue);
-    connect(ui->timeline_vertical_scrollbar, &QScrollBar::valueChanged, ui->timeline_rowheader->verticalScrollBar(),
-            &QScrollBar::setValue);
-
-    connect(ui->Add_Button, &MyButton::hovered, this, &MainWindow::on_Addbutton_hovered);
-    chartView = new ChartView(ui->audio_frame);
-    chartView->setAccessibleName(glow::hint(QT_TRANSLATE_NOOP("Hints", "波形")));
-    chartView->setFocusPolicy(Qt::NoFocus);
-    ui->audio_frame->installEventFilter(this);
-    ui->Song_play->installEventFilter(this);
-    ui->Song_play_2->installEventFilter(this);
-    chartView->hide();
-    chipGroup->addAction(ui->actionCX2802);
-    chipGroup->addAction(ui->actionAPA102C);
-    chipGroup->setExclusive(true);
-    setAcceptDrops(true);
-
-    on_text_Edit_textChanged(ui->text_Edit->text());
-    loadPresets();
-
-    modified = false;
-    ui->action_admin->setEnabled(true);
-
-    const QScreen *screen = QGuiApplication::primaryScreen();
-    if (screen != nullptr &&
-        (screen->size().width() < leastScreenWidth || screen->size().height() < leastScreenHeight)) {
-        QMessageBox::warning(this, tr("解析度過低"), tr("最低解析度1280*720"), QMessageBox::Ok);
-    }
-
-    history.clear();
-    updateStatus();
-    ui->statusBar->showMessage(QStringLiteral("WELCOME!!"));
 }
 
 MainWindow::~MainWindow()
@@ -151,17 +152,15 @@ void MainWindow::loadPresets()
     buildGadgetMenu();
 
     const AppSettings settings;
-    picPath = settings.value(QStringLiteral("main/currentpicpath"), QDir::homePath() + QStringLiteral("/Pictures"))
-                  .toString();
-    currentFile =
-        settings.value(QStringLiteral("main/currentfile"), QDir::homePath() + QStringLiteral("/Documents")).toString();
+    picPath = settings.value(AppSettings::pictureKey, QDir::homePath() + QStringLiteral("/Pictures")).toString();
+    currentFile = settings.value(AppSettings::projectKey, QDir::homePath() + QStringLiteral("/Documents")).toString();
     if (QAction *language =
-            languageGroup->actions().value(settings.value(QStringLiteral("main/language")).toInt() - 1)) {
+            languageGroup->actions().value(settings.value(AppSettings::languageKey).toInt() - AppSettings::Chinese)) {
         language->setChecked(true);
     }
     // A number that is no row's leaves the custom entry, by which the user can still get on.
     const QList<QAction *> gadgets = gadgetGroup->actions();
-    QAction *gadget = gadgets.value(settings.value(QStringLiteral("main/gadget")).toInt(), gadgets.first());
+    QAction *gadget = gadgets.value(settings.value(AppSettings::gadgetKey).toInt(), gadgets.first());
     emit gadget->triggered();
     gadget->toggle();
     ui->Mode_Pic->setCurrentIndex(0);
@@ -181,6 +180,15 @@ void MainWindow::addQuit()
     quit->setShortcut(QStringLiteral("Ctrl+Q"));
 }
 
+void MainWindow::warnOfSmallScreen()
+{
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    if (screen != nullptr &&
+        (screen->size().width() < leastScreenWidth || screen->size().height() < leastScreenHeight)) {
+        QMessageBox::warning(this, tr("解析度過低"), tr("最低解析度1280*720"), QMessageBox::Ok);
+    }
+}
+
 void MainWindow::updateStatus()
 {
     int count = 0;
@@ -196,12 +204,7 @@ void MainWindow::updateStatus()
     if (first) {
         return; // the base of the history is no change of the show
     }
-    // A project's title ends in two blanks so that the mark has a place; the bare name of a new show has none.
-    QString title = windowTitle();
-    if (title.size() > int(qstrlen("Glowsmith"))) {
-        title[title.size() - 1] = u'*';
-        setWindowTitle(title);
-    }
+    setWindowTitle(glow::changedTitle(windowTitle()));
 }
 
 void MainWindow::data_changed()
@@ -216,8 +219,8 @@ void MainWindow::on_actionPreference_triggered() {}
 void MainWindow::closeEvent(QCloseEvent *event)
 {
     AppSettings settings;
-    settings.setValue(QStringLiteral("window/size"), size());
-    settings.setValue(QStringLiteral("window/maximize"), isMaximized());
+    settings.setValue(AppSettings::sizeKey, size());
+    settings.setValue(AppSettings::maximizedKey, isMaximized());
     settings.sync();
 
     const auto answer =
@@ -226,17 +229,10 @@ void MainWindow::closeEvent(QCloseEvent *event)
     if (answer == QMessageBox::Save) {
         on_actionSave_triggered();
         event->accept();
-        // A save that failed, or that found no name, leaves the show to the next start, its last seconds included.
-        if (recovery != nullptr && recovery->hasUnsaved()) {
-            recovery->keep();
-        } else if (recovery != nullptr) {
-            recovery->discard();
-        }
+        emit showIsLeft(); // the save may have failed, or found no name
     } else if (answer == QMessageBox::No) {
         event->accept();
-        if (recovery != nullptr) {
-            recovery->discard();
-        }
+        emit showIsGivenUp();
     } else {
         event->ignore();
     }
@@ -249,8 +245,7 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
     if (event->key() == Qt::Key_Delete && currentItem != nullptr) {
         qDebug() << "item delete key press";
         currentTimeline->deleteTimelineItem(currentItem);
-        currentItem->selected = 0; // a step of the history can bring it back
-        currentItem = nullptr;
+        deselect(); // a step of the history can bring it back
         ui->NEW_radio->setChecked(true);
         updateStatus();
     }

@@ -23,6 +23,7 @@
 #include <QtCharts/QLineSeries>
 
 #include <functional>
+#include <memory>
 #include <optional>
 
 class ChartView;
@@ -40,6 +41,7 @@ class MainWindow;
 
 namespace glow {
 struct Project;
+class RecoveryStore;
 struct UnsavedShow;
 } // namespace glow
 
@@ -85,10 +87,12 @@ public:
     WorkerThread *uploadThread = nullptr; // null whenever no upload is under way
     int propWaitMs = glow::propWaitMs;    // how long a prop may take to speak, milliseconds
 
-    Recovery *recovery = nullptr; // keeps a copy of the unsaved show; null where nothing is to be kept
-
-    // The show as it would be saved. progress, when given, hears each pattern's index within its track.
+    // The show as it would be saved. progress, when given, is called with each pattern's index
+    // within its track.
     glow::Project asProject(const std::function<void(int)> &progress = {}) const;
+
+    // From here on a copy of the show is kept in the store while it is not saved. The window owns the keeper.
+    Recovery *keepUnsaved(std::unique_ptr<glow::RecoveryStore> store);
 
     // Opens a show that an earlier run left unsaved: it belongs to the file it belonged to, and is not saved yet.
     void restoreShow(const glow::UnsavedShow &show);
@@ -126,6 +130,10 @@ public:
     void resetDocument();
 
 signals:
+    void showIsSafe();    // as it stands it is saved, or is what was opened, or new
+    void showIsLeft();    // the window closes after an attempt to save
+    void showIsGivenUp(); // the window closes, and the user does not want the show saved
+
     void operate();
     void Upload_Cancel_Clicked();
 
@@ -315,8 +323,21 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override; // in timeline/mainwindow_ruler.cpp
 
 private:
+    // The steps of construction, in this order; each stands on what the earlier ones made.
+    void setUpForm();
+    void connectForm();
+    void setUpGroups();
+    void setUpHistory();
+    void setUpTimeline(); // in timeline/mainwindow_ruler.cpp
+    void setUpSong();     // in song/mainwindow_song.cpp
+    void warnOfSmallScreen();
+
     bool isStaleDecode(const QObject *caller) const;
     void takeAudioBuffer();
+    bool drainDecoder();
+    void showWaveform();
+    void takeLength(int lengthMs);
+    void readyPlayer();
     void endDecode();
     void forgetDecode();
     void rewindSong();
@@ -329,6 +350,8 @@ private:
     static bool isCancelledUpload(const QObject *caller);
 
     void buildGadgetMenu();
+    // Takes the pattern out of the editor: no pattern is marked as open there.
+    void deselect();
     // The panel's present state as a pattern; nothing if its tab has no picture.
     std::optional<glow::PatternRecord> editorPattern() const;
     // What the present tab of the panel is set to, and of a tab that may not be the present one.
@@ -346,11 +369,12 @@ private:
     // Takes over the two numbers of an opened project and picks the catalogue row that has both, else the custom entry.
     // A binary project also opens at the widest zoom.
     void applyLoadedGadget(int leds, float rate, bool widestZoom);
-    // The title of a show that has a file: the part of the path behind the last "/".
-    void setUpTitle(const QString &path);
     // The two formats of projects, into the empty document (app/mainwindow_project.cpp).
     void openProject(const glow::Project &project);
     void openOldProject(const QByteArray &bytes);
+    // Makes the picture of the text tab, or of the effect tab, from its present controls.
+    void renderText();
+    void renderEffect();
     // A new result of the picture tab: its repeat count, the preview and the tab's own view.
     void showPicturePixmap(const QPixmap &pixmap);
     // The colour that the text tab's numbers edit.

@@ -96,11 +96,7 @@ void MainWindow::on_NEW_radio_toggled(bool on)
         ui->Add_Button->setText(tr("確認編輯"));
         return;
     }
-    if (currentItem != nullptr) {
-        currentItem->selected = 0;
-        currentItem->update();
-    }
-    currentItem = nullptr;
+    deselect();
     ui->Add_Button->setText(tr("新增"));
     ui->Mode_t1->setTime(ui->timeline_headers->indicator->indicatorTime);
 }
@@ -131,7 +127,7 @@ void MainWindow::on_Mode_Pic_currentChanged(int index)
         ui->text_rnum->setValue(colour.red());
         ui->text_gnum->setValue(colour.green());
         ui->text_bnum->setValue(colour.blue());
-        on_text_Edit_textChanged(ui->text_Edit->text());
+        renderText();
         break;
     }
     case glow::EffectPattern: {
@@ -140,7 +136,7 @@ void MainWindow::on_Mode_Pic_currentChanged(int index)
         ui->Spe_rnum->setValue(colour.red());
         ui->Spe_gnum->setValue(colour.green());
         ui->Spe_bnum->setValue(colour.blue());
-        on_Spe_comboBox_currentIndexChanged(ui->Spe_comboBox->currentIndex());
+        renderEffect();
         break;
     }
     default:
@@ -221,8 +217,7 @@ void MainWindow::on_Add_Button_clicked()
     ui->Mode_loop->blockSignals(true);
     TimelineItem *item = currentItem;
     if (ui->NEW_radio->isChecked()) {
-        item = new TimelineItem(blob, currentTimeline);
-        currentTimeline->addTimelineItem(item);
+        item = currentTimeline->place(blob);
         ui->Mode_t1->setTime(ui->Mode_t2->time());
         ui->Mode_t2->setTime(
             glow::timeOf(glow::msOf(ui->Mode_t1->time()) + glow::truncated(ui->Mode_last->value() * 1000)));

@@ -1,7 +1,7 @@
 // The document as a whole: new, load, files dropped on the window, the language for the next start.
 #include "app/mainwindow.h"
 
-#include "app/recovery.h"
+#include "app/windowtitle.h"
 #include "show/base/appsettings.h"
 #include "timeline/gesture.h"
 #include "timeline/mylabel.h"
@@ -57,10 +57,8 @@ bool MainWindow::on_actionNew_triggered()
     const bool renewed = answer == QMessageBox::Yes;
     if (renewed) {
         resetDocument();
-        setWindowTitle(QStringLiteral("Glowsmith"));
-        if (recovery != nullptr) {
-            recovery->showIsSafe();
-        }
+        setWindowTitle(glow::bareTitle());
+        emit showIsSafe();
     }
     // Also after Cancel the show has no file and no past any more.
     hasFile = false;
@@ -86,13 +84,13 @@ void MainWindow::on_actionLoad_triggered()
 void MainWindow::on_actionChinese_triggered()
 {
     QMessageBox::about(this, QString(), QStringLiteral("重啟程式後生效"));
-    AppSettings().setValue(QStringLiteral("main/language"), 1);
+    AppSettings().setValue(AppSettings::languageKey, AppSettings::Chinese);
 }
 
 void MainWindow::on_actionEnglish_triggered()
 {
     QMessageBox::about(this, QString(), QStringLiteral("Change after restart."));
-    AppSettings().setValue(QStringLiteral("main/language"), 2);
+    AppSettings().setValue(AppSettings::languageKey, AppSettings::English);
 }
 
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)

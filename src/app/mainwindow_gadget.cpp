@@ -44,7 +44,7 @@ void MainWindow::gadgetchange(QAction *a)
         frameRate = static_cast<float>(gadget.rate);
         ui->gadget_name->setText(gadget.name);
         ui->FPS_V->setValue(gadget.rate);
-        AppSettings().setValue(QStringLiteral("main/gadget"), id);
+        AppSettings().setValue(AppSettings::gadgetKey, id);
     }
     ui->FPS_V->setEnabled(custom);
     ui->Leds->setEnabled(custom);

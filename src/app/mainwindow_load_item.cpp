@@ -65,10 +65,7 @@ void MainWindow::showInPanel(const glow::PatternSettings &settings, Origin origi
 
 void MainWindow::loadItemToEditor(TimelineItem *item)
 {
-    if (currentItem != nullptr && currentItem != item) {
-        currentItem->selected = 0;
-        currentItem->update();
-    }
+    deselect();
     currentItem = item;
     item->selected = 1;
     item->update();

@@ -2,6 +2,7 @@
 #include "app/mainwindow.h"
 
 #include "app/recovery.h"
+#include "app/windowtitle.h"
 #include "show/base/appsettings.h"
 #include "show/base/wholefile.h"
 #include "show/model/oldproject.h"
@@ -30,12 +31,6 @@ bool wasHidden(const Timeline &track)
     return track.isHidden() && track.testAttribute(Qt::WA_WState_ExplicitShowHide);
 }
 
-void placePattern(MainWindow &window, const QByteArray &blob)
-{
-    auto *item = new TimelineItem(blob, window.currentTimeline);
-    window.currentTimeline->addTimelineItem(item);
-}
-
 // No show has so many tracks, but a damaged file can hold one in every four bytes, and the window's cost grows with the
 // square of its rows: this many take some seconds.
 constexpr int mostTracks = 1000;
@@ -56,7 +51,7 @@ void placeTracks(MainWindow &window, const glow::Project &project)
         for (const QByteArray &blob : project.tracks.at(i)) {
             empty += blob.size() < glow::shortestPattern ? 1 : 0;
             if (blob.size() >= glow::shortestPattern || empty <= mostEmptyPatterns) {
-                placePattern(window, blob);
+                window.currentTimeline->place(blob);
             }
         }
     }
@@ -93,12 +88,6 @@ glow::Project MainWindow::asProject(const std::function<void(int)> &progress) co
     return project;
 }
 
-void MainWindow::setUpTitle(const QString &path)
-{
-    // Of the two blanks the second gives its place to the "*" of a changed show.
-    setWindowTitle(QStringLiteral("Glowsmith - ") + path.section(u'/', -1) + QStringLiteral("  "));
-}
-
 void MainWindow::on_actionSave_triggered()
 {
     if (!hasFile) {
@@ -115,11 +104,9 @@ void MainWindow::on_actionSave_triggered()
     switch (result.state) {
     case glow::WriteResult::Written:
         // This is what takes the "*" away, so not before the show is safe.
-        setUpTitle(currentFile);
-        AppSettings().setValue(QStringLiteral("main/currentfile"), currentFile);
-        if (recovery != nullptr) {
-            recovery->showIsSafe();
-        }
+        setWindowTitle(glow::titleOfProject(currentFile));
+        AppSettings().setValue(AppSettings::projectKey, currentFile);
+        emit showIsSafe();
         break;
     case glow::WriteResult::NotOpened:
         break;
@@ -153,31 +140,38 @@ void MainWindow::LoadFile(QString path)
     closeSong();
     picPath = path;
     currentFile = std::move(path);
-    const QString title = currentFile.contains(u'/') ? currentFile : currentFile.section(u'\\', -1);
-    setUpTitle(title);
+    const QString name = currentFile.contains(u'/') ? currentFile : currentFile.section(u'\\', -1);
+    setWindowTitle(glow::titleOfProject(name));
 
     const bool binary = glow::isProjectPath(currentFile);
     if (!binary) {
         qDebug() << "OPEN OLD FILE";
     }
-    QByteArray bytes;
-    if (glow::readWholeFile(currentFile, bytes)) {
+    if (const std::optional<QByteArray> bytes = glow::readWholeFile(currentFile)) {
         hasFile = true;
         if (binary) {
-            openProject(glow::readProject(bytes));
+            openProject(glow::readProject(*bytes));
         } else {
-            openOldProject(bytes);
+            openOldProject(*bytes);
         }
         on_timeline_scaler_valueChanged(ui->timeline_scaler->value());
         scanMissingPictures();
     }
     // The steps of opening are no changes of the show: none can be undone, and none leaves its mark in the title.
-    setUpTitle(title);
+    setWindowTitle(glow::titleOfProject(name));
     history.clear();
     updateStatus();
-    if (recovery != nullptr) {
-        recovery->showIsSafe();
-    }
+    emit showIsSafe();
+}
+
+Recovery *MainWindow::keepUnsaved(std::unique_ptr<glow::RecoveryStore> store)
+{
+    const auto openShow = [this] { return Recovery::OpenShow{asProject(), currentFile, hasFile}; };
+    auto *recovery = new Recovery(openShow, std::move(store), this);
+    connect(this, &MainWindow::showIsSafe, recovery, &Recovery::showIsSafe);
+    connect(this, &MainWindow::showIsLeft, recovery, &Recovery::showIsLeft);
+    connect(this, &MainWindow::showIsGivenUp, recovery, &Recovery::discard);
+    return recovery;
 }
 
 void MainWindow::restoreShow(const glow::UnsavedShow &show)
@@ -196,12 +190,8 @@ void MainWindow::restoreShow(const glow::UnsavedShow &show)
     scanMissingPictures();
     history.clear();
     updateStatus();
-    if (hasFile) {
-        setUpTitle(currentFile);
-        setWindowTitle(windowTitle().chopped(1) + u'*');
-    } else {
-        setWindowTitle(QStringLiteral("Glowsmith")); // not that of a project from the command line
-    }
+    // Without a file, not that of a project from the command line.
+    setWindowTitle(hasFile ? glow::changedTitle(glow::titleOfProject(currentFile)) : glow::bareTitle());
 }
 
 void MainWindow::closeSong()

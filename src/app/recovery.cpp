@@ -1,44 +1,29 @@
 #include "app/recovery.h"
 
-#include "app/mainwindow.h"
 #include "show/base/wholefile.h"
+#include "show/model/patternrecord.h"
 
 #include <QFile>
 #include <QRunnable>
 #include <QThreadPool>
+
+#include <algorithm>
+#include <utility>
 
 namespace {
 
 // A change is on disk at the latest this long after it was made, plus what the writing takes.
 constexpr int lookEveryMs = 2000;
 
-bool sameBlobs(const QVector<QByteArray> &a, const QVector<QByteArray> &b)
+bool sameTrack(const QVector<QByteArray> &a, const QVector<QByteArray> &b)
 {
-    if (a.size() != b.size()) {
-        return false;
-    }
-    for (int i = 0; i < a.size(); ++i) {
-        // Most blobs are shared with the items and need no look at their bytes.
-        const bool shared = a.at(i).constData() == b.at(i).constData() && a.at(i).size() == b.at(i).size();
-        if (!shared && a.at(i) != b.at(i)) {
-            return false;
-        }
-    }
-    return true;
+    return std::equal(a.cbegin(), a.cend(), b.cbegin(), b.cend(), glow::sameBlob);
 }
 
 bool sameShow(const glow::Project &a, const glow::Project &b)
 {
-    if (a.ledCount != b.ledCount || a.frameRate != b.frameRate || a.songPath != b.songPath ||
-        a.tracks.size() != b.tracks.size()) {
-        return false;
-    }
-    for (int i = 0; i < a.tracks.size(); ++i) {
-        if (!sameBlobs(a.tracks.at(i), b.tracks.at(i))) {
-            return false;
-        }
-    }
-    return true;
+    return a.ledCount == b.ledCount && a.frameRate == b.frameRate && a.songPath == b.songPath &&
+           std::equal(a.tracks.cbegin(), a.tracks.cend(), b.tracks.cbegin(), b.tracks.cend(), sameTrack);
 }
 
 class WriteShow : public QRunnable
@@ -73,12 +58,12 @@ QThreadPool &writer()
 
 } // namespace
 
-Recovery::Recovery(MainWindow *owner, std::unique_ptr<glow::RecoveryStore> place)
-    : QObject(owner)
-    , window(owner)
+Recovery::Recovery(std::function<OpenShow()> openShow, std::unique_ptr<glow::RecoveryStore> place, QObject *parent)
+    : QObject(parent)
+    , present(std::move(openShow))
     , store(std::move(place))
+    , safe(present().project)
 {
-    safe = window->asProject();
     connect(&timer, &QTimer::timeout, this, &Recovery::keep);
     timer.start(lookEveryMs);
 }
@@ -88,9 +73,8 @@ Recovery::~Recovery()
     waitForWriting();
 }
 
-void Recovery::restore(const glow::UnsavedShow &show)
+void Recovery::adoptLeftover()
 {
-    window->restoreShow(show);
     safe = glow::Project(); // no file holds this show, even if it is empty
     keep();
     waitForWriting();
@@ -101,8 +85,8 @@ void Recovery::restore(const glow::UnsavedShow &show)
 
 void Recovery::showIsSafe()
 {
-    safe = window->asProject();
-    kept = glow::Project();
+    safe = present().project;
+    kept = OpenShow();
     isKept = false;
     waitForWriting();
     store->remove();
@@ -110,7 +94,16 @@ void Recovery::showIsSafe()
 
 bool Recovery::hasUnsaved() const
 {
-    return !sameShow(window->asProject(), safe);
+    return !sameShow(present().project, safe);
+}
+
+void Recovery::showIsLeft()
+{
+    if (hasUnsaved()) {
+        keep();
+    } else {
+        discard();
+    }
 }
 
 void Recovery::discard()
@@ -126,21 +119,19 @@ void Recovery::keep()
     if (isOver || store->path().isEmpty()) {
         return;
     }
-    const glow::Project present = window->asProject();
-    if (sameShow(present, safe)) {
+    const OpenShow show = present();
+    if (sameShow(show.project, safe)) {
         if (isKept) {
             showIsSafe();
         }
         return;
     }
-    if (isKept && keptFile == window->currentFile && keptHasFile == window->hasFile && sameShow(present, kept)) {
+    if (isKept && kept.file == show.file && kept.hasFile == show.hasFile && sameShow(kept.project, show.project)) {
         return;
     }
-    kept = present;
-    keptFile = window->currentFile;
-    keptHasFile = window->hasFile;
+    kept = show;
     isKept = true;
-    writer().start(new WriteShow(store->path(), {QByteArray(), keptFile, keptHasFile}, present));
+    writer().start(new WriteShow(store->path(), {QByteArray(), show.file, show.hasFile}, show.project));
 }
 
 void Recovery::waitForWriting()

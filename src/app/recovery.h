@@ -1,5 +1,5 @@
-// Keeps a copy of the show while it is not saved. The window tells when the show is safe; everything else this finds
-// out by itself, by looking every few seconds whether the show has changed, which costs next to nothing since blobs are
+// Keeps a copy of the show while it is not saved. Its owner says when the show is safe; everything else this finds out
+// by itself, by looking every few seconds whether the show has changed, which costs next to nothing since blobs are
 // shared. The writing happens on another thread.
 #pragma once
 
@@ -9,44 +9,56 @@
 #include <QObject>
 #include <QTimer>
 
+#include <functional>
 #include <memory>
-
-class MainWindow;
 
 class Recovery : public QObject
 {
     Q_OBJECT
 
 public:
-    Recovery(MainWindow *window, std::unique_ptr<glow::RecoveryStore> store);
+    // The show that is open, and what it belongs to: the project's path, or the directory that was offered.
+    struct OpenShow
+    {
+        glow::Project project;
+        QString file;
+        bool hasFile = false;
+    };
+
+    // present is asked for the open show at any time as long as this lives. The show of this moment counts as safe.
+    Recovery(std::function<OpenShow()> present, std::unique_ptr<glow::RecoveryStore> store, QObject *parent);
     ~Recovery() override;
 
-    // Opens what an earlier run left, and makes it this run's own before the earlier copy goes. Where that fails, as on
-    // a full disk, the earlier copy stays until the show is saved.
-    void restore(const glow::UnsavedShow &show);
-
-    // The show as it stands is saved, or is what was opened, or new: there is nothing to keep.
-    void showIsSafe();
+    // The open show is what the store found as a leftover: makes it this run's own before the earlier copy goes. Where
+    // that fails, as on a full disk, the earlier copy stays until the show is saved.
+    void adoptLeftover();
 
     // Does the show differ from what was last safe?
     bool hasUnsaved() const;
 
-    // The user has decided about the show: nothing of it is kept.
-    void discard();
-
-    // Looks at the show now. Tests and the end of a restore need not wait for the timer.
+    // Looks at the show now. Tests and the end of an adoption need not wait for the timer.
     void keep();
     void waitForWriting();
 
+public slots:
+    // The show as it stands is saved, or is what was opened, or new: there is nothing to keep.
+    void showIsSafe();
+
+    // The show goes after an attempt to save it: what is not safe then is left to the next start, its last seconds
+    // included.
+    void showIsLeft();
+
+    // The user has decided against the show: nothing of it is kept.
+    void discard();
+
+public:
     QTimer timer;
 
 private:
-    MainWindow *window;
+    std::function<OpenShow()> present;
     std::unique_ptr<glow::RecoveryStore> store;
     glow::Project safe; // the show when it was last safe
-    glow::Project kept; // the show as last written here, and what it belonged to
-    QString keptFile;
-    bool keptHasFile = false;
+    OpenShow kept;      // as last written here
     bool isKept = false;
     bool isOver = false;
 };

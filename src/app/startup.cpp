@@ -20,15 +20,11 @@
 #include <cstdio>
 #include <cstdlib>
 #include <memory>
+#include <optional>
 
 namespace glow {
 
 namespace {
-
-// Values of "main/language".
-constexpr int chinese = 1;
-constexpr int english = 2;
-constexpr int neverChosen = 99;
 
 // The catalogue row that a first start chooses.
 constexpr int firstGadget = 3;
@@ -46,18 +42,18 @@ void installQtTexts(QTranslator &translator)
 void chooseLanguage(QTranslator &translator, QTranslator &qtTexts)
 {
     AppSettings settings;
-    settings.setValue(QStringLiteral("main/version"), programVersion);
-    const int language = settings.value(QStringLiteral("main/language"), neverChosen).toInt();
-    if (language == neverChosen) {
-        settings.setValue(QStringLiteral("main/language"), chinese);
-        settings.setValue(QStringLiteral("main/gadget"), firstGadget);
+    settings.setValue(AppSettings::versionKey, programVersion);
+    const int language = settings.value(AppSettings::languageKey, AppSettings::NeverChosen).toInt();
+    if (language == AppSettings::NeverChosen) {
+        settings.setValue(AppSettings::languageKey, AppSettings::Chinese);
+        settings.setValue(AppSettings::gadgetKey, firstGadget);
         installQtTexts(qtTexts);
         return;
     }
-    if (language == chinese) {
+    if (language == AppSettings::Chinese) {
         QLocale::setDefault(QLocale(QLocale::Chinese, QLocale::AnyCountry));
         installQtTexts(qtTexts);
-    } else if (language == english) {
+    } else if (language == AppSettings::English) {
         translator.load(QStringLiteral(":/language/language/english.qm"));
     }
     QCoreApplication::installTranslator(&translator);
@@ -76,20 +72,21 @@ QSize onScreen(const QSize &size)
 void showAsLeft(MainWindow &window)
 {
     const AppSettings settings;
-    if (settings.value(QStringLiteral("window/maximize"), false).toBool()) {
+    if (settings.value(AppSettings::maximizedKey, false).toBool()) {
         window.showMaximized();
         return;
     }
-    const QSize size = settings.value(QStringLiteral("window/size")).toSize();
+    const QSize size = settings.value(AppSettings::sizeKey).toSize();
     window.resize(size.isValid() ? onScreen(size) : window.minimumSize());
     window.show();
 }
 
 // A show that went down with an earlier run is offered once: what is declined is gone.
-bool wantsBack(RecoveryStore &store, UnsavedShow &show)
+std::optional<UnsavedShow> wantedBack(RecoveryStore &store)
 {
-    if (!store.findLeftover(show)) {
-        return false;
+    const std::optional<UnsavedShow> show = store.findLeftover();
+    if (!show.has_value()) {
+        return std::nullopt;
     }
     QMessageBox box(QMessageBox::Question, QStringLiteral("Glowsmith"),
                     QStringLiteral("<font color='white'>發現上次未儲存的光舞，是否復原？<br>"
@@ -97,11 +94,11 @@ bool wantsBack(RecoveryStore &store, UnsavedShow &show)
                     QMessageBox::Yes | QMessageBox::No);
     box.setDefaultButton(QMessageBox::Yes);
     applyStyle(&box);
-    const bool wanted = box.exec() == QMessageBox::Yes;
-    if (!wanted) {
-        store.forgetLeftover();
+    if (box.exec() == QMessageBox::Yes) {
+        return show;
     }
-    return wanted;
+    store.forgetLeftover();
+    return std::nullopt;
 }
 
 int runProgram()
@@ -122,17 +119,17 @@ int runProgram()
         project = start.loadPath;
     }
     auto store = std::make_unique<RecoveryStore>(RecoveryStore::standardFolder());
-    UnsavedShow unsaved;
-    const bool restore = wantsBack(*store, unsaved);
+    const std::optional<UnsavedShow> unsaved = wantedBack(*store);
 
     MainWindow window;
     window.setWindowIcon(icon);
-    if (!project.isEmpty() && !restore) {
+    if (!project.isEmpty() && !unsaved.has_value()) {
         window.LoadFile(project);
     }
-    window.recovery = new Recovery(&window, std::move(store));
-    if (restore) {
-        window.recovery->restore(unsaved);
+    Recovery *recovery = window.keepUnsaved(std::move(store));
+    if (unsaved.has_value()) {
+        window.restoreShow(*unsaved);
+        recovery->adoptLeftover();
     }
     showAsLeft(window);
     return QCoreApplication::exec();

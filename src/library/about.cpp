@@ -61,7 +61,7 @@ about::about(QWidget *parent)
     glow::addHints(this);
     ui->label_3->setText(QStringLiteral("Glowsmith ver") + QString::number(appVersion));
     on_pushButton_3_clicked();
-    const QString last = AppSettings().value(QStringLiteral("main/currentfile"), QStringLiteral("null")).toString();
+    const QString last = AppSettings().value(AppSettings::projectKey, QStringLiteral("null")).toString();
     if (last != QLatin1String("null")) {
         ui->load_current->setText(last);
         ui->load_current->setToolTip(last.toHtmlEscaped());
@@ -77,6 +77,13 @@ about::~about()
     }
     qDeleteAll(managers);
     delete ui;
+}
+
+void about::showAsAboutBox()
+{
+    about dialog;
+    dialog.ui->Load_frame->hide();
+    dialog.exec();
 }
 
 int about::unansweredChecks()

@@ -1,4 +1,4 @@
-// The start dialog: a new show, a project, or the last project again; it also tells the program's version and asks the
+// The start dialog: a new show, a project, or the last project again; it also shows the program's version and asks the
 // update server for a newer one. The menu shows the same dialog as its about box, with Load_frame hidden.
 #pragma once
 
@@ -23,6 +23,9 @@ public:
 
     // Gives up a check that is still under way.
     ~about() override;
+
+    // The dialog with nothing to open in it, until it is closed.
+    static void showAsAboutBox();
 
     QString loadPath; // the project that was chosen; empty when a new show is wanted. Read it after exec()
     QNetworkAccessManager *networkManager = nullptr; // of the latest check

@@ -4,7 +4,6 @@
 #include "library/about.h"
 #include "show/model/missingpictures.h"
 #include "show/model/settingstext.h"
-#include "ui_about.h"
 
 #include <QFileDialog>
 #include <QFileInfo>
@@ -87,7 +86,5 @@ void MainWindow::on_actionSQL_triggered()
 
 void MainWindow::on_actionAbout_triggered()
 {
-    about dialog;
-    dialog.ui->Load_frame->hide();
-    dialog.exec();
+    about::showAsAboutBox();
 }

@@ -36,6 +36,11 @@ void MainWindow::on_Spe_comboBox_currentIndexChanged(int index)
     ui->suggest->setValue(suggestRepeat());
 }
 
+void MainWindow::renderEffect()
+{
+    on_Spe_comboBox_currentIndexChanged(ui->Spe_comboBox->currentIndex());
+}
+
 // Moving over a row of the open list previews it and selects it.
 void MainWindow::on_Spe_comboBox_highlighted(int index)
 {
@@ -45,22 +50,22 @@ void MainWindow::on_Spe_comboBox_highlighted(int index)
 
 void MainWindow::on_Spe_width_valueChanged(int /*value*/)
 {
-    on_Spe_comboBox_currentIndexChanged(ui->Spe_comboBox->currentIndex());
+    renderEffect();
 }
 
 void MainWindow::on_Spe_revV_clicked()
 {
-    on_Spe_comboBox_currentIndexChanged(ui->Spe_comboBox->currentIndex());
+    renderEffect();
 }
 
 void MainWindow::on_Spe_revH_clicked()
 {
-    on_Spe_comboBox_currentIndexChanged(ui->Spe_comboBox->currentIndex());
+    renderEffect();
 }
 
 void MainWindow::on_Spe_color3_clicked()
 {
-    on_Spe_comboBox_currentIndexChanged(ui->Spe_comboBox->currentIndex());
+    renderEffect();
 }
 
 // The numbers do the work here and the sliders only pass their values on: the other way round than on the text tab.
@@ -68,21 +73,21 @@ void MainWindow::on_Spe_rnum_valueChanged(int value)
 {
     ui->Spe_rslide->setValue(value);
     (ui->Spe_back->isChecked() ? backColor : foreColor).setRed(value);
-    on_Spe_comboBox_currentIndexChanged(ui->Spe_comboBox->currentIndex());
+    renderEffect();
 }
 
 void MainWindow::on_Spe_gnum_valueChanged(int value)
 {
     ui->Spe_gslide->setValue(value);
     (ui->Spe_back->isChecked() ? backColor : foreColor).setGreen(value);
-    on_Spe_comboBox_currentIndexChanged(ui->Spe_comboBox->currentIndex());
+    renderEffect();
 }
 
 void MainWindow::on_Spe_bnum_valueChanged(int value)
 {
     ui->Spe_bslide->setValue(value);
     (ui->Spe_back->isChecked() ? backColor : foreColor).setBlue(value);
-    on_Spe_comboBox_currentIndexChanged(ui->Spe_comboBox->currentIndex());
+    renderEffect();
 }
 
 void MainWindow::on_Spe_rslide_valueChanged(int value)
@@ -106,7 +111,7 @@ void MainWindow::on_Spe_back_toggled(bool checked)
     ui->Spe_rnum->setValue(colour.red());
     ui->Spe_gnum->setValue(colour.green());
     ui->Spe_bnum->setValue(colour.blue());
-    on_Spe_comboBox_currentIndexChanged(ui->Spe_comboBox->currentIndex());
+    renderEffect();
 }
 
 // The numbers are not refreshed: they follow at the next change between front and back.
@@ -117,7 +122,7 @@ void MainWindow::on_Color_dialog_2_clicked()
     if (answer.isValid()) {
         edited = answer;
     }
-    on_Spe_comboBox_currentIndexChanged(ui->Spe_comboBox->currentIndex());
+    renderEffect();
 }
 
 // The radio buttons change places along with the colours, so the numbers stay. Toggling the checked button of an
@@ -125,7 +130,7 @@ void MainWindow::on_Color_dialog_2_clicked()
 void MainWindow::on_Color_Exc2_clicked()
 {
     std::swap(foreColor, backColor);
-    on_Spe_comboBox_currentIndexChanged(ui->Spe_comboBox->currentIndex());
+    renderEffect();
     if (ui->Spe_front->isChecked()) {
         ui->Spe_front->toggle();
         ui->Spe_back->toggle();

@@ -26,7 +26,7 @@ void MainWindow::picload(QString path)
     }
     ui->PicDir->setEnabled(true);
     // The store stays one picture behind.
-    AppSettings().setValue(QStringLiteral("main/currentpicpath"), picPath);
+    AppSettings().setValue(AppSettings::pictureKey, picPath);
     picPath = std::move(path);
     ui->PicView->setEnabled(true);
     if (ui->NEW_radio->isChecked()) {

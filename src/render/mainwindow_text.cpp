@@ -57,34 +57,39 @@ void MainWindow::on_text_Edit_textChanged(const QString &text)
     ui->suggest->setValue(suggestRepeat());
 }
 
+void MainWindow::renderText()
+{
+    on_text_Edit_textChanged(ui->text_Edit->text());
+}
+
 void MainWindow::on_fontComboBox_currentIndexChanged(int index)
 {
     Q_UNUSED(index)
-    on_text_Edit_textChanged(ui->text_Edit->text());
+    renderText();
 }
 
 void MainWindow::on_Font_size_currentIndexChanged(int index)
 {
     Q_UNUSED(index)
-    on_text_Edit_textChanged(ui->text_Edit->text());
+    renderText();
 }
 
 void MainWindow::on_Text_slide_valueChanged(int value)
 {
     Q_UNUSED(value)
-    on_text_Edit_textChanged(ui->text_Edit->text());
+    renderText();
 }
 
 void MainWindow::on_Text_revH_stateChanged(int state)
 {
     Q_UNUSED(state)
-    on_text_Edit_textChanged(ui->text_Edit->text());
+    renderText();
 }
 
 void MainWindow::on_Text_revV_clicked(bool checked)
 {
     Q_UNUSED(checked)
-    on_text_Edit_textChanged(ui->text_Edit->text());
+    renderText();
 }
 
 void MainWindow::on_text_rnum_valueChanged(int value)
@@ -111,21 +116,21 @@ void MainWindow::on_text_rslide_valueChanged(int value)
 {
     ui->text_rnum->setValue(value);
     selectedTextColor().setRed(value);
-    on_text_Edit_textChanged(ui->text_Edit->text());
+    renderText();
 }
 
 void MainWindow::on_text_gslide_valueChanged(int value)
 {
     ui->text_gnum->setValue(value);
     selectedTextColor().setGreen(value);
-    on_text_Edit_textChanged(ui->text_Edit->text());
+    renderText();
 }
 
 void MainWindow::on_text_bslide_valueChanged(int value)
 {
     ui->text_bnum->setValue(value);
     selectedTextColor().setBlue(value);
-    on_text_Edit_textChanged(ui->text_Edit->text());
+    renderText();
 }
 
 void MainWindow::on_text_bcolor_toggled(bool checked)
@@ -135,7 +140,7 @@ void MainWindow::on_text_bcolor_toggled(bool checked)
     ui->text_rnum->setValue(color.red());
     ui->text_gnum->setValue(color.green());
     ui->text_bnum->setValue(color.blue());
-    on_text_Edit_textChanged(ui->text_Edit->text());
+    renderText();
 }
 
 void MainWindow::on_Color_dialog_clicked()
@@ -145,13 +150,13 @@ void MainWindow::on_Color_dialog_clicked()
     if (answer.isValid()) {
         color = answer;
     }
-    on_text_Edit_textChanged(ui->text_Edit->text());
+    renderText();
 }
 
 void MainWindow::on_Color_Exc_clicked()
 {
     std::swap(foreColor, backColor);
-    on_text_Edit_textChanged(ui->text_Edit->text());
+    renderText();
     // In an exclusive pair toggling the checked button does nothing: the other one becomes checked.
     if (ui->text_bcolor->isChecked()) {
         ui->text_bcolor->toggle();

@@ -92,7 +92,7 @@ void ScreenCapture::coverDesktop()
     }
 }
 
-// A window manager can map a window as large as several screens elsewhere; told again, it takes it back. A stubborn one
+// A window manager can map a window as large as several screens elsewhere; asked again, it puts it back. A stubborn one
 // is not fought for ever.
 void ScreenCapture::moveEvent(QMoveEvent * /*e*/)
 {

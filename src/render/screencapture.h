@@ -40,7 +40,7 @@ public:
     QPainter overlayPainter;         // on overlayImage, as long as the dialog lives
 
 signals:
-    // The path under which the picture was saved; nobody looked whether the saving worked. At most once.
+    // The path under which the picture was saved; whether the saving worked is not checked. At most once.
     void callback(QString fsv);
 
 public slots:

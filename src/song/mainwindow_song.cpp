@@ -1,6 +1,7 @@
 // Reading a song: the player gets the file, and a decoder runs over all of it for the waveform.
 #include "app/mainwindow.h"
 
+#include "forms/hints.h"
 #include "show/draw/waveform.h"
 #include "show/model/showtime.h"
 #include "song/chartview.h"
@@ -34,7 +35,7 @@ namespace {
 // of a busy event loop for each four would make a song last many seconds, so a turn reads for this long, and while it
 // does it waits a little for a decoder that has fallen behind. Little: a millisecond of patience made a five-minute
 // song half a second slower, and ten made it twice as slow. The rest of a turn is a repaint of the window, which can
-// take as long; the two together stay short for whoever reaches for the cancel button.
+// take as long; the two together stay short enough for the cancel button to answer at once.
 constexpr int readSliceMs = 20;
 constexpr int readPatienceUs = 300;
 constexpr int readNapUs = 50;
@@ -57,8 +58,8 @@ bool waitForBuffer(const QAudioDecoder &decoder)
 // is what the points make.
 int songLengthMs(const QAudioDecoder &decoder, int pointCount)
 {
-    const qint64 told = decoder.duration();
-    return static_cast<int>(told >= 0 ? told : glow::timeOfWavePoints(std::max(pointCount - 1, 0)));
+    const qint64 duration = decoder.duration();
+    return static_cast<int>(duration >= 0 ? duration : glow::timeOfWavePoints(std::max(pointCount - 1, 0)));
 }
 
 QChart *chartOf(QLineSeries *series, double limit)
@@ -78,6 +79,18 @@ QChart *chartOf(QLineSeries *series, double limit)
 }
 
 } // namespace
+
+// The waveform's view, hidden until there is a song, and the keys of playing.
+void MainWindow::setUpSong()
+{
+    chartView = new ChartView(ui->audio_frame);
+    chartView->setAccessibleName(glow::hint(QT_TRANSLATE_NOOP("Hints", "波形")));
+    chartView->setFocusPolicy(Qt::NoFocus);
+    ui->audio_frame->installEventFilter(this);
+    ui->Song_play->installEventFilter(this);
+    ui->Song_play_2->installEventFilter(this);
+    chartView->hide();
+}
 
 void MainWindow::on_SongRead_Button_clicked()
 {
@@ -106,7 +119,7 @@ void MainWindow::ReadSong(const QString &path)
     const QString file = info.isRelative() && info.exists() ? info.absoluteFilePath() : path;
     player->setMedia(QUrl::fromLocalFile(file));
 
-    // What a decode of an older song still delivers is told by its sender and dropped.
+    // What a decode of an older song still delivers is dropped: its slots look at the sender (isStaleDecode).
     endDecode();
     forgetDecode();
     audioDecoder = new QAudioDecoder(this);
@@ -250,20 +263,43 @@ void MainWindow::takeAudioBuffer()
     glow::appendWavePoints(waveSamples, waveMax, buffer.constData<qint16>(), buffer.sampleCount(), position);
 }
 
+// The decode has come to its end.
 void MainWindow::audioPlotting()
 {
-    if (isStaleDecode(sender()) || audioDecoder == nullptr) {
+    if (isStaleDecode(sender()) || audioDecoder == nullptr || !drainDecoder()) {
         return;
     }
+    showWaveform();
+    decodeProgress->setValue(decodeProgress->maximum());
+    endDecode();
+
+    const int length = songLengthMs(*audioDecoder, waveSamples.size());
+    qDebug() << "song duration" << length << "buffer length" << waveSamples.size();
+    if (length == 0) {
+        QMessageBox::warning(this, tr("錯誤"), tr("無法解碼，請確認已安裝正確音訊解碼包"), QMessageBox::Ok);
+        return;
+    }
+    takeLength(length);
+    readyPlayer();
+    updateStatus();
+}
+
+// Reads the buffers that are left. False if they cannot be read, which has ended the decode already.
+bool MainWindow::drainDecoder()
+{
     const bool reading = decoding;
     while (decoding && audioDecoder->bufferAvailable()) {
         takeAudioBuffer();
     }
     if (reading && !decoding) {
-        return; // the last buffers could not be read
+        return false;
     }
     decoding = false;
+    return true;
+}
 
+void MainWindow::showWaveform()
+{
     chartView->show();
     waveSeries->replace(waveSamples); // one notification instead of one for each point
     qDebug() << "series max" << waveMax;
@@ -279,25 +315,19 @@ void MainWindow::audioPlotting()
     chartView->resizeToWave();
     ui->audio_layout->insertWidget(0, chartView);
     connect(chartView, &ChartView::chartClicked, this, &MainWindow::on_Song_Slider_sliderMoved);
+}
 
-    decodeProgress->setValue(decodeProgress->maximum());
-    endDecode();
+// The show area and the slider become as long as the song, the show area never shorter than an empty show's.
+void MainWindow::takeLength(int lengthMs)
+{
+    const int shown = std::max(lengthMs, leastShowMs);
+    ui->Song_Slider->setMaximum(shown);
+    ui->timeline_max->setTime(glow::timeOf(shown));
+    ui->Song_time->setTime(glow::timeOf(lengthMs));
+}
 
-    const int d = songLengthMs(*audioDecoder, waveSamples.size());
-    qDebug() << "song duration" << d << "buffer length" << waveSamples.size();
-    if (d == 0) {
-        QMessageBox::warning(this, tr("錯誤"), tr("無法解碼，請確認已安裝正確音訊解碼包"), QMessageBox::Ok);
-        return;
-    }
-    const QTime t = glow::timeOf(d);
-    if (d <= leastShowMs) {
-        ui->Song_Slider->setMaximum(leastShowMs);
-        ui->timeline_max->setTime(glow::timeOf(leastShowMs));
-    } else {
-        ui->timeline_max->setTime(t);
-        ui->Song_Slider->setMaximum(d);
-    }
-    ui->Song_time->setTime(t);
+void MainWindow::readyPlayer()
+{
     ui->Song_play->setEnabled(true);
     player->play();
     player->stop();
@@ -305,7 +335,6 @@ void MainWindow::audioPlotting()
     // The player is the clock from here on. One that ran in silence would fight it, and no button would reach it.
     ui->Song_time->clockTimer->stop();
     stateChanged(player->state());
-    updateStatus();
 }
 
 void MainWindow::on_Song_dir_linkHovered(const QString &link)

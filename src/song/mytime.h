@@ -16,7 +16,7 @@ public:
     QTime clockBase;              // show time at the last start of the clock
     int clockStartStamp = 0;      // wall clock at that moment, milliseconds since midnight
 
-    // Makes t the present time, from which a running clock goes on, and tells it.
+    // Makes t the present time, from which a running clock goes on, and emits timer_timeout with it.
     void restartClock(const QTime &t);
 
 signals:

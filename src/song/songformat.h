@@ -16,7 +16,7 @@ bool isWaveBuffer(const QAudioBuffer &buffer);
 
 // The position in the song behind the buffer's last sample, milliseconds. Media back ends differ in what
 // QAudioDecoder::position() means once a buffer was read: GStreamer reports the buffer's start, others its end. The
-// buffer itself carries its start time, so that is asked wherever it is known; decoderPosition is the decoder's word
+// buffer itself carries its start time, so that counts wherever it is known; decoderPosition is what the decoder says
 // for buffers without one and is then taken for the start. The first buffer of a song is no exception: it ends after
 // its own length.
 qint64 endOfBuffer(const QAudioBuffer &buffer, qint64 decoderPosition);

@@ -15,7 +15,7 @@ Indicator::Indicator(int top, QWidget *parent)
 
 void Indicator::setIndicatorX(int x, bool user)
 {
-    // Left of the ruler the time is below zero for a moment, which whoever hears of the move raises to 0.
+    // Left of the ruler this is below zero; on_timeline_headers_indicatorMoved, which moved() ends in, raises it to 0.
     indicatorTime = QTime::fromMSecsSinceStartOfDay(glow::timeOfPixel(x));
     if (x != this->x()) {
         move(x, indicatorY);

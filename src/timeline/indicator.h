@@ -14,7 +14,8 @@ public:
     QTime indicatorTime = QTime(0, 0);
     int indicatorY = 0; // y of the widget in the ruler
 
-    // Both take the time at once; only a new pixel moves the line and emits moved. user tells a seek from the clock.
+    // Both take the time at once; only a new pixel moves the line and emits moved. user is true for a seek by the user,
+    // false where the clock moves the line.
     void setIndicatorX(int x, bool user);
     void setIndicatorTime(const QTime &t, bool user);
 

@@ -14,8 +14,8 @@
 
 namespace {
 
-// A new width of the ruler reaches the scroll bar's range with the next layout pass; whoever scrolls to a place at the
-// new width needs that pass first.
+// A new width of the ruler reaches the scroll bar's range only with the next layout pass, so scrolling to a place at
+// the new width needs that pass first.
 void settleScrollRange(Ui::MainWindow &ui)
 {
     ui.timeline_layout_out->layout()->activate();
@@ -24,6 +24,20 @@ void settleScrollRange(Ui::MainWindow &ui)
 }
 
 } // namespace
+
+// The ruler's length, and the scroll bars that move tracks and labels together.
+void MainWindow::setUpTimeline()
+{
+    ui->audio_frame->setAttribute(Qt::WA_TransparentForMouseEvents);
+    on_timeline_max_timeChanged(ui->timeline_max->time());
+    ui->Song_Slider->setMaximum(glow::msOf(ui->timeline_max->time()));
+
+    QScrollBar *rows = ui->timeline_scroll_2->verticalScrollBar();
+    connect(rows, &QScrollBar::rangeChanged, this, &MainWindow::timeline_vertical_scroll_changed);
+    connect(ui->timeline_vertical_scrollbar, &QScrollBar::valueChanged, rows, &QScrollBar::setValue);
+    connect(ui->timeline_vertical_scrollbar, &QScrollBar::valueChanged, ui->timeline_rowheader->verticalScrollBar(),
+            &QScrollBar::setValue);
+}
 
 void MainWindow::on_timeline_scaler_valueChanged(int value)
 {
@@ -61,12 +75,12 @@ void MainWindow::on_timeline_splitter_splitterMoved(int pos, int index)
 
 bool MainWindow::eventFilter(QObject *watched, QEvent *event)
 {
-    // The handle is not the only one to resize the waveform: a low window squeezes it, and then no splitterMoved tells.
+    // The handle is not all that resizes the waveform: a low window squeezes it without a splitterMoved.
     if (watched == ui->audio_frame && event->type() == QEvent::Resize) {
         on_timeline_splitter_splitterMoved(ui->timeline_splitter->sizes().constFirst(), 1);
     }
-    // A button and an action hold the space bar. Qt calls such a key ambiguous, tells one of the two and leaves the
-    // show as it is; whichever it tells, the show plays.
+    // A button and an action both hold the space bar. Qt then sends an ambiguous shortcut to one of the two, which does
+    // nothing by itself; whichever gets it, the show plays.
     if (event->type() == QEvent::Shortcut && (watched == ui->Song_play || watched == ui->Song_play_2)) {
         on_Song_play_clicked();
         return true;

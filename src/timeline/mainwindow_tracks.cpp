@@ -98,7 +98,7 @@ void MainWindow::on_tlDuplicated_clicked(Timeline *t)
     }
     addTimeline(static_cast<short>(ui->timeline_layout->indexOf(currentTimeline)));
     for (const QByteArray &blob : qAsConst(blobs)) {
-        currentTimeline->addTimelineItem(new TimelineItem(blob, currentTimeline));
+        currentTimeline->place(blob);
     }
     if (!blobs.isEmpty()) {
         updateStatus();
@@ -131,14 +131,18 @@ void MainWindow::on_timeline_remove_clicked()
     bar->setValue(scrolled);
 }
 
-void MainWindow::on_timelineItem_Clicked(TimelineItem *item, bool moved)
+void MainWindow::deselect()
 {
-    Q_UNUSED(moved)
     if (currentItem != nullptr) {
         currentItem->selected = 0;
         currentItem->update();
     }
-    currentItem = item;
+    currentItem = nullptr;
+}
+
+void MainWindow::on_timelineItem_Clicked(TimelineItem *item, bool moved)
+{
+    Q_UNUSED(moved)
     previewItem = item;
     loadItemToEditor(item);
 }
@@ -164,11 +168,6 @@ void MainWindow::on_timelineItem_dragEnd(const QByteArray &orig, TimelineItem *i
     Q_UNUSED(orig)
     Q_UNUSED(orig_tl)
     qDebug() << "item drag end";
-    if (currentItem != nullptr) {
-        currentItem->selected = 0;
-        currentItem->update();
-    }
-    currentItem = item;
     previewItem = item;
     loadItemToEditor(item);
     updateStatus();

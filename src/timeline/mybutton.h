@@ -1,4 +1,4 @@
-// A push button that tells when the pointer enters and leaves it.
+// A push button with a signal for the pointer that enters or leaves it.
 #pragma once
 
 #include <QPushButton>

@@ -41,7 +41,7 @@ const QString labelStyle =
 const QString currentLabelStyle =
     QStringLiteral("color: rgb(255,255,255); background-color: rgba(100,100,255,70); border: 1px solid rgb(30,35,40);");
 
-// Whatever listens to the widget's own signals no longer hears them. destroyed() stays connected: Qt keeps style rules
+// Disconnects everything from the widget's own signals. destroyed() stays connected: Qt keeps style rules
 // for each widget by its address, and would otherwise keep them for good and give them to another one made there.
 void disconnectSignals(QWidget *widget)
 {
@@ -200,15 +200,19 @@ void Timeline::addTimelineItem(TimelineItem *item)
     item->show();
 }
 
+TimelineItem *Timeline::place(const QByteArray &blob)
+{
+    auto *item = new TimelineItem(blob, this);
+    addTimelineItem(item);
+    return item;
+}
+
 void Timeline::on_itemPaste_clicked()
 {
     if (!glow::clipboardHasPattern()) {
         return;
     }
-    auto *item = new TimelineItem(glow::clipboardPattern(), this);
-    item->setMinimumWidth(glow::minimumItemWidth());
-    item->update_timeline_multi(false);
-    addTimelineItem(item);
+    TimelineItem *item = place(glow::clipboardPattern());
     const QTime start = headers->indicator->indicatorTime;
     const float end = static_cast<float>(glow::durationMs(*item)) + static_cast<float>(glow::msOf(start));
     item->setTimes(start, glow::timeOf(glow::truncated(static_cast<double>(end))));
@@ -234,10 +238,7 @@ void Timeline::on_itemDragEnd(const QByteArray &orig, TimelineItem *item, QWidge
             break;
         case glow::SpanEdit::Split: {
             // The copy is made first: it keeps the settings and the end.
-            auto *rest = new TimelineItem(other->itemData, this);
-            rest->setMinimumWidth(glow::minimumItemWidth());
-            rest->update_timeline_multi(false);
-            addTimelineItem(rest);
+            TimelineItem *rest = place(other->itemData);
             other->setPlace(edit.times);
             rest->setPlace(edit.rest);
             break;

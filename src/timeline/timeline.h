@@ -33,6 +33,9 @@ public:
     // The pattern that counts as being under a play-head at x.
     TimelineItem *itemUnderHead(int x) const { return itemAt(x + 1); }
 
+    // A new pattern from a blob (see patternrecord.h), added to this track where its times say.
+    TimelineItem *place(const QByteArray &blob);
+
     // Makes this the current track or takes that from it: look and label.
     void setCurrent(bool current);
 
@@ -40,17 +43,22 @@ public:
     void showReadyBand(bool show, int startMs, int lengthMs);
 
 signals:
-    void timelineMultiUpdated();
-    void timelineDeleteClicked();
-    void tlDuplicated_clicked(Timeline *track);
-    void wheelScrolled(int delta);
-    void itemClicked(TimelineItem *item, bool moved);
+    void timelineMultiUpdated();                // the zoom has changed: all items place themselves anew
+    void timelineDeleteClicked();               // from the menu: the current track, which this is, is to be removed
+    void tlDuplicated_clicked(Timeline *track); // from the menu: a copy of the track is to be made
+    void wheelScrolled(int delta);              // never emitted
+    void itemClicked(TimelineItem *item, bool moved); // as the item's signal of that name
+    // A gesture on the item has ended and its collisions are settled, or it was pasted. orig is the item's blob at the
+    // press (empty after a paste), orig_tl the track that it was dragged from, null if it is this one.
     void itemDragEnd(QByteArray orig, TimelineItem *item, Timeline *orig_tl = nullptr);
+    // A whole pattern of another track is dragged onto this one, which it shall belong to from now on.
     void dragIn(Timeline *track);
     void timelineDoubleClicked();
+    // The track becomes the current one. update is true for a press on the track itself, which also ends the editing of
+    // a pattern and previews the one under the play-head; false when a drag begins here or enters.
     void timelinePressed(Timeline *track, bool update);
-    void mouseMoved(QMouseEvent *e);
-    void timelineSorted(Timeline *track);
+    void mouseMoved(QMouseEvent *e);      // never emitted
+    void timelineSorted(Timeline *track); // never emitted
 
 public slots:
     void on_label_pressed(QMouseEvent *e);
@@ -64,7 +72,8 @@ public slots:
     // The only way onto a track. Neither sorts nor resolves collisions.
     void addTimelineItem(TimelineItem *item);
     void on_itemPaste_clicked();
-    // The collision pass: the item that moved wins, what it touches is trimmed, removed or split.
+    // The collision pass: the item that moved wins, what it touches is trimmed, removed or split. orig_parent is the
+    // track that the item was dragged from, null if the editor placed it: then itemDragEnd is not emitted.
     void on_itemDragEnd(const QByteArray &orig, TimelineItem *item, QWidget *orig_parent = nullptr);
 
     // A drag of one of this track's items starts here or comes back: it takes the end of the list, and with that the

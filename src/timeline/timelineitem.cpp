@@ -19,7 +19,7 @@
 
 namespace {
 
-// Foreign times reach far beyond a day; a widget's place stays where adding its size to it cannot overflow.
+// Times from a damaged file reach far beyond a day; a widget's place stays where adding its size to it cannot overflow.
 constexpr int farthestX = 1 << 29;
 
 // The smallest width once a zoom change has re-laid the item, at every zoom.

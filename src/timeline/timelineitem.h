@@ -17,7 +17,7 @@ class TimelineItem : public QPushButton, public glow::PatternRecord
 public:
     static constexpr int trackY = 5; // y of every item in its track
 
-    // Builds the item from a blob (see patternrecord.h; foreign bytes give nulls and zeros), places it and shows it.
+    // Builds the item from a blob (see patternrecord.h; untrusted bytes give nulls and zeros), places it and shows it.
     TimelineItem(const QByteArray &data, QWidget *parent);
 
     // Reads the blob into the members, keeps it as itemData, then places the widget, which encodes itemData anew.
@@ -42,17 +42,22 @@ public:
     quint8 selected = 0;   // 1 while this is the item in the editor or pressed: drawn with a thick light outline
 
 signals:
+    // Every signal names the item itself, for its track connects the signals of all its items to the same slots.
+    //
+    // A press with either button: the item goes into the editor. moved is always false.
     void itemClicked(TimelineItem *item, bool moved);
     void itemDoubleClicked(TimelineItem *item);
-    void itemDeleted(TimelineItem *item);
-    void itemCopyed(QByteArray data);
+    void itemDeleted(TimelineItem *item); // asked for by the item's menu; the track takes it off
+    void itemCopyed(QByteArray data);     // never emitted: copying goes straight to the clipboard
+    // A gesture with the left button has ended, a mere click included, and the item's times are those of its new place.
+    // orig is the blob at the press, orig_parent the track at the press.
     void dragEnd(QByteArray orig, TimelineItem *item, QWidget *orig_parent);
-    // A left press is about to start a drag. Not every platform tells the track below by a drag-enter event if the
-    // mouse does not move.
+    // A left press is about to start a drag. Not every platform sends the track below a drag-enter event if the mouse
+    // does not move.
     void dragBegins(TimelineItem *item);
 
 public slots:
-    void update_timeline_multi();
+    void update_timeline_multi(); // places the widget anew after a change of the zoom
     void on_itemDelete_clicked();
     void on_itemCopy_clicked();
     void on_itemCut_clicked();

@@ -198,7 +198,6 @@ private slots:
     void onlyRegularFilesAreRead()
     {
         const QTemporaryDir dir;
-        QByteArray bytes = "untouched";
         QStringList refused{dir.path(), dir.filePath("absent"), "/dev/zero"};
 #ifdef Q_OS_UNIX
         refused << dir.filePath("pipe");
@@ -207,8 +206,11 @@ private slots:
         refused << dir.filePath("endless");
         QVERIFY(put(refused.last()) && QFile::resize(refused.last(), qint64(1) << 31));
 #endif
+#ifdef Q_OS_LINUX
+        refused << "/proc/self/mem"; // can be opened, and reading fails
+#endif
         for (const QString &name : qAsConst(refused)) {
-            QVERIFY2(!glow::readWholeFile(name, bytes) && bytes == "untouched", qPrintable(name));
+            QVERIFY2(!glow::readWholeFile(name).has_value(), qPrintable(name));
         }
     }
 };

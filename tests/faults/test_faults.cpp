@@ -35,8 +35,7 @@ constexpr int moments = 100;
 
 QByteArray bytesOf(const QString &path)
 {
-    QByteArray bytes;
-    return glow::readWholeFile(path, bytes) ? bytes : QByteArray("unreadable");
+    return glow::readWholeFile(path).value_or("unreadable");
 }
 
 // Noise, which no compression makes small.

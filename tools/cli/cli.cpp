@@ -148,16 +148,16 @@ std::optional<glow::Project> openProject(const QString &path)
                      .arg(path));
         return std::nullopt;
     }
-    QByteArray bytes;
-    if (!glow::readWholeFile(path, bytes)) {
+    const std::optional<QByteArray> bytes = glow::readWholeFile(path);
+    if (!bytes.has_value()) {
         complain(QStringLiteral("%1: cannot be read").arg(path));
         return std::nullopt;
     }
-    if (bytes.size() < glow::shortestProject) {
+    if (bytes->size() < glow::shortestProject) {
         complain(QStringLiteral("%1: too short for a project").arg(path));
         return std::nullopt;
     }
-    return glow::readProject(bytes);
+    return glow::readProject(*bytes);
 }
 
 QList<QCommandLineOption> trackOptions()

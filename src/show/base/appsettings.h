@@ -10,4 +10,15 @@ public:
         : QSettings(QStringLiteral("Vantorel"), QStringLiteral("Glowsmith"))
     {
     }
+
+    // The keys.
+    static inline const QString versionKey = QStringLiteral("main/version");        // double, written at every start
+    static inline const QString languageKey = QStringLiteral("main/language");      // int, a Language
+    static inline const QString gadgetKey = QStringLiteral("main/gadget");          // int, row of the catalogue from 1
+    static inline const QString pictureKey = QStringLiteral("main/currentpicpath"); // where picture dialogs start
+    static inline const QString projectKey = QStringLiteral("main/currentfile");    // the project saved last
+    static inline const QString sizeKey = QStringLiteral("window/size");            // QSize, at the last close
+    static inline const QString maximizedKey = QStringLiteral("window/maximize");   // bool, at the last close
+
+    enum Language { Chinese = 1, English = 2, NeverChosen = 99 };
 };

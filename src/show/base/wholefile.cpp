@@ -82,18 +82,17 @@ WriteResult writeWholeFile(const QString &path, const QByteArray &bytes)
     return {};
 }
 
-bool readWholeFile(const QString &path, QByteArray &bytes)
+std::optional<QByteArray> readWholeFile(const QString &path)
 {
     QFile file(path);
     if (!QFileInfo(path).isFile() || !file.open(QIODevice::ReadOnly)) {
-        return false;
+        return std::nullopt;
     }
     const QByteArray content = file.readAll();
-    if (content.size() < file.size()) {
-        return false;
+    if (file.error() != QFileDevice::NoError || content.size() < file.size()) {
+        return std::nullopt;
     }
-    bytes = content;
-    return true;
+    return content;
 }
 
 } // namespace glow

@@ -4,6 +4,8 @@
 #include <QByteArray>
 #include <QString>
 
+#include <optional>
+
 namespace glow {
 
 struct WriteResult
@@ -22,8 +24,8 @@ struct WriteResult
 // back if that fails.
 WriteResult writeWholeFile(const QString &path, const QByteArray &bytes);
 
-// False, and bytes left alone, if the path names no regular file (a pipe or a device would be read forever), if it
-// cannot be opened or not be read to its end: part of a show must not pass for the whole.
-bool readWholeFile(const QString &path, QByteArray &bytes);
+// Nothing if the path names no regular file (a pipe or a device would be read forever), if it cannot be opened or not
+// be read to its end: part of a show must not pass for the whole.
+std::optional<QByteArray> readWholeFile(const QString &path);
 
 } // namespace glow

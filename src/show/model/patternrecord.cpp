@@ -111,6 +111,11 @@ int overwritePattern(QByteArray &blob, const PatternRecord &record, int keptThum
     return thumbnailEnd;
 }
 
+bool sameBlob(const QByteArray &a, const QByteArray &b)
+{
+    return a.constData() == b.constData() ? a.size() == b.size() : a == b;
+}
+
 QByteArray writePattern(const PatternRecord &record)
 {
     QByteArray blob;

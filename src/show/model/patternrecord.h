@@ -64,6 +64,9 @@ PatternRecord readPattern(const QByteArray &blob);
 // keptThumbnail, and only the rest is written.
 int overwritePattern(QByteArray &blob, const PatternRecord &record, int keptThumbnail = 0);
 
+// Have they the same bytes? Items, snapshots and copies share their blobs, so most comparisons end at the same address.
+bool sameBlob(const QByteArray &a, const QByteArray &b);
+
 // The eight fields as a fresh blob.
 QByteArray writePattern(const PatternRecord &record);
 

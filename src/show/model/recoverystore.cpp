@@ -51,17 +51,19 @@ QByteArray writeUnsaved(const UnsavedShow &show)
     return bytes;
 }
 
-bool readUnsaved(const QByteArray &bytes, UnsavedShow &show)
+std::optional<UnsavedShow> readUnsaved(const QByteArray &bytes)
 {
+    UnsavedShow show;
     QDataStream stream(bytes);
     QByteArray mark;
     QByteArray sum;
     stream >> mark;
     if (mark != magic) {
-        return false;
+        return std::nullopt;
     }
     stream >> show.file >> show.hasFile >> show.project >> sum;
-    return stream.status() == QDataStream::Ok && sum == digest(show.project);
+    const bool whole = stream.status() == QDataStream::Ok && sum == digest(show.project);
+    return whole ? std::make_optional(show) : std::nullopt;
 }
 
 RecoveryStore::RecoveryStore(const QString &dataFolder)
@@ -91,7 +93,7 @@ QString RecoveryStore::standardFolder()
     return QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation) + QStringLiteral("/Glowsmith");
 }
 
-bool RecoveryStore::findLeftover(UnsavedShow &show)
+std::optional<UnsavedShow> RecoveryStore::findLeftover()
 {
     const QFileInfoList files = QDir(folder).entryInfoList({QStringLiteral("unsaved-*.show")}, QDir::Files, QDir::Time);
     for (const QFileInfo &info : files) {
@@ -102,15 +104,19 @@ bool RecoveryStore::findLeftover(UnsavedShow &show)
         if (held == nullptr) {
             continue; // its program runs
         }
-        QByteArray bytes;
-        if (readWholeFile(info.filePath(), bytes) && readUnsaved(bytes, show)) {
+        const std::optional<QByteArray> bytes = readWholeFile(info.filePath());
+        if (!bytes.has_value()) {
+            continue;
+        }
+        std::optional<UnsavedShow> show = readUnsaved(*bytes);
+        if (show.has_value()) {
             leftover = info.filePath();
             leftoverLock = std::move(held);
-            return true;
+            return show;
         }
         QFile::remove(info.filePath());
     }
-    return false;
+    return std::nullopt;
 }
 
 void RecoveryStore::forgetLeftover()

@@ -7,6 +7,7 @@
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 namespace glow {
 
@@ -22,21 +23,24 @@ struct UnsavedShow
 // (bool), project (QByteArray), and the project's SHA-256, so that a file that a crash left half done is not offered.
 QByteArray writeUnsaved(const UnsavedShow &show);
 
-// False for anything but a whole file.
-bool readUnsaved(const QByteArray &bytes, UnsavedShow &show);
+// Nothing for anything but a whole file.
+std::optional<UnsavedShow> readUnsaved(const QByteArray &bytes);
 
 class RecoveryStore
 {
 public:
-    // folder is made when it is needed. Takes a place of its own among the programs that run.
+    // folder is made when it is needed. Locks the first free one of a hundred places there, so that no two programs
+    // that run write to the same one.
     explicit RecoveryStore(const QString &folder);
     ~RecoveryStore();
 
     // The user's data folder.
     static QString standardFolder();
 
-    // The newest show that a program that is gone has left, if any. It stays on disk until forgetLeftover.
-    bool findLeftover(UnsavedShow &show);
+    // The newest show that a program that is gone has left, if any. It stays on disk until forgetLeftover. On the way,
+    // what was read and is no whole show is removed; what could not be read (no permission, a disk that fails) stays
+    // for another start.
+    std::optional<UnsavedShow> findLeftover();
     void forgetLeftover();
 
     // The path that this program writes to; empty if no place could be had.
