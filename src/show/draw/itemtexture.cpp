@@ -1,5 +1,7 @@
 #include "show/draw/itemtexture.h"
 
+#include "show/base/scaling.h"
+#include "show/draw/rasterops.h"
 #include "show/model/patternrecord.h"
 
 #include <QImage>
@@ -28,14 +30,12 @@ QPixmap columnsOf(const QPixmap &picture, QSize tile, int first, int last)
     if (source.isNull() || part.isNull()) {
         return {};
     }
-    // The source column of each column is the one in which the middle of the column falls.
     QVector<int> from(part.width());
     for (int i = 0; i < from.size(); ++i) {
-        const qint64 column = (first + i) % tile.width();
-        from[i] = int((2 * column + 1) * source.width() / (2 * qint64(tile.width())));
+        from[i] = int(nearestPixel((first + i) % tile.width(), source.width(), tile.width(), Tie::Right));
     }
     for (int y = 0; y < part.height(); ++y) {
-        const auto row = int((2 * qint64(y) + 1) * source.height() / (2 * qint64(part.height())));
+        const auto row = int(nearestPixel(y, source.height(), part.height(), Tie::Right));
         const auto *in = reinterpret_cast<const QRgb *>(source.constScanLine(row));
         auto *out = reinterpret_cast<QRgb *>(part.scanLine(y));
         for (int i = 0; i < from.size(); ++i) {
@@ -54,8 +54,7 @@ QSize tileSize(const PatternRecord &record, QSize item)
         return {};
     }
     if (record.speedValue != 0) {
-        const double factor = double(height) / record.thumbnail.height();
-        return {qRound(factor * record.thumbnail.width()), height};
+        return {widthAtHeight(record.thumbnail.size(), height), height};
     }
     return {item.width() / std::max(1, record.repeatCount), height};
 }

@@ -1,5 +1,6 @@
 #include "show/draw/picturechain.h"
 
+#include "show/base/scaling.h"
 #include "show/draw/rasterops.h"
 
 #include <QFileInfo>
@@ -29,15 +30,9 @@ QImage onBlackGround(const QImage &picture, int width)
     return ground;
 }
 
-// Width of an image of so many columns and rows when it is scaled to another height without smoothing.
-double widthAtHeight(int columns, int rows, int height)
-{
-    return columns * (static_cast<double>(height) / rows);
-}
-
 bool passesLimits(const QSize &picture, int leds)
 {
-    const double columns = widthAtHeight(picture.width(), picture.height(), leds) + 1.0;
+    const double columns = exactWidthAtHeight(picture, leds) + 1.0;
     return columns * leds > static_cast<double>(mostLedPixels) ||
            columns * pictureRows > static_cast<double>(mostPictureColumns) * leds;
 }
@@ -83,7 +78,7 @@ PictureResult renderPicture(QImage picture, const PictureOptions &options)
     }
     picture = picture.scaledToHeight(options.leds, Qt::SmoothTransformation);
     result.columns = picture.width();
-    const QSize shown(qRound(widthAtHeight(picture.width(), picture.height(), pictureRows)), pictureRows);
+    const QSize shown(widthAtHeight(picture.size(), pictureRows), pictureRows);
     picture = shown.width() <= painterLimit ? picture.scaledToHeight(pictureRows, Qt::FastTransformation)
                                             : scaledNearest(picture, shown);
     picture = onBlack(picture);
@@ -96,7 +91,7 @@ QImage withGap(const QImage &result, int columns, int leds)
     if (result.isNull() || columns <= 0 || leds <= 0) {
         return {};
     }
-    const double width = widthAtHeight(columns, leds, pictureRows);
+    const double width = exactWidthAtHeight(QSize(columns, leds), pictureRows);
     if (width > 2.0 * mostPictureColumns) {
         return {};
     }

@@ -1,5 +1,7 @@
 #include "show/draw/propsimulator.h"
+
 #include "show/base/numbers.h"
+#include "show/model/showtime.h"
 
 #include <QDebug>
 #include <QPainter>
@@ -239,28 +241,39 @@ void PropSimulator::resetImages()
     stepClock = QTime::currentTime();
 }
 
-void PropSimulator::composeFrame(QPainter &painter, int w, int h)
+void PropSimulator::fadeDisc(QImage &disc, const QPointF &centre)
+{
+    // Follows the newest wedge.
+    const qint64 degrees = 1 - ((stepCount * 10 - 10) * spinSpeed) / 160;
+    afterglow.apply(disc, centre, degrees, spinSpeed);
+}
+
+// Disc and strip side by side around the middle of the frame, each as high as most of it.
+void PropSimulator::composeViews(QPainter &painter, int w, int h)
 {
     const int height = static_cast<int>(h * 0.9);
-    if (height > 0) {
-        QImage disc = discImage.scaledToHeight(height, Qt::FastTransformation);
-        const QImage strip = stripImage.scaledToHeight(height, Qt::FastTransformation);
-        const int left = (w - 2 * disc.width()) / 2;
-        const int top = (h - disc.height()) / 2;
-        if (spinSpeed != 0) {
-            // Follows the newest wedge.
-            const qint64 degrees = 1 - ((stepCount * 10 - 10) * spinSpeed) / 160;
-            const int half = w / 2;
-            const int middle = h / 2;
-            const QPointF centre(half - h * 0.45 - left, middle - top);
-            afterglow.apply(disc, centre, degrees, spinSpeed);
-        }
-        painter.drawImage(left, top, disc);
-        if (spinSpeed != 0) {
-            painter.setCompositionMode(QPainter::CompositionMode_DestinationAtop);
-        }
-        painter.drawImage(w / 2, top, strip);
+    if (height <= 0) {
+        return;
     }
+    QImage disc = discImage.scaledToHeight(height, Qt::FastTransformation);
+    const QImage strip = stripImage.scaledToHeight(height, Qt::FastTransformation);
+    const int half = w / 2;
+    const int left = (w - 2 * disc.width()) / 2;
+    const int top = (h - disc.height()) / 2;
+    if (spinSpeed != 0) {
+        const int middle = h / 2;
+        fadeDisc(disc, QPointF(half - h * 0.45 - left, middle - top));
+    }
+    painter.drawImage(left, top, disc);
+    if (spinSpeed != 0) {
+        painter.setCompositionMode(QPainter::CompositionMode_DestinationAtop);
+    }
+    painter.drawImage(half, top, strip);
+}
+
+void PropSimulator::composeFrame(QPainter &painter, int w, int h)
+{
+    composeViews(painter, w, h);
     QFont font = painter.font();
     font.setPixelSize(12);
     painter.setFont(font);
@@ -270,14 +283,21 @@ void PropSimulator::composeFrame(QPainter &painter, int w, int h)
     painter.drawText(QRect(0, 0, 100, 50), 0, QStringLiteral("FPS: ") + QString::number(framesPerSecond));
 }
 
-void PropSimulator::paintFrame(QPainter &painter, int w, int h)
+// Milliseconds since the last call.
+int PropSimulator::restartClock()
 {
     const QTime now = QTime::currentTime();
     int elapsed = stepClock.msecsTo(now);
     if (elapsed < 0) { // past midnight, or the system's clock was set back
-        elapsed += 24 * 60 * 60 * 1000;
+        elapsed += msPerDay;
     }
     stepClock = now;
+    return elapsed;
+}
+
+void PropSimulator::paintFrame(QPainter &painter, int w, int h)
+{
+    const int elapsed = restartClock();
     runSteps(elapsed);
     if (w > 0 && h > 0) {
         // The afterglow's composition mode asks for a transparent surface, and what a widget's surface holds before a

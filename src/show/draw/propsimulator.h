@@ -75,7 +75,10 @@ private:
     QRadialGradient discGradient(qint64 column) const;
     void drawStripBody(QPainter &painter) const;
     void drawStripColumn(QPainter &painter, qint64 column) const;
+    void fadeDisc(QImage &disc, const QPointF &centre);
+    void composeViews(QPainter &painter, int w, int h);
     void composeFrame(QPainter &painter, int w, int h);
+    int restartClock();
 
     QImage widePicture; // the picture itself while patternImage is null because the pattern is too wide
     int wideRows = 0;

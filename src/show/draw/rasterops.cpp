@@ -6,9 +6,10 @@
 
 namespace glow {
 
-qint64 nearestPixel(qint64 i, qint64 from, qint64 to)
+qint64 nearestPixel(qint64 i, qint64 from, qint64 to, Tie tie)
 {
-    return ((2 * i + 1) * from - 1) / (2 * to);
+    const qint64 centre = (2 * i + 1) * from; // in halves of a scaled pixel's share
+    return (tie == Tie::Left ? centre - 1 : centre) / (2 * to);
 }
 
 QImage scaledNearest(const QImage &image, const QSize &size)

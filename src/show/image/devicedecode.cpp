@@ -1,34 +1,146 @@
 #include "show/image/devicedecode.h"
 
 #include "show/image/binfile.h"
-#include "show/image/deviceimage.h"
+#include "show/image/format.h"
 
 #include <QtEndian>
+
+#include <optional>
 
 namespace glow {
 
 namespace {
 
-constexpr uchar frameEnd = 0xFE;
-constexpr uchar entryEnd = 0xFF;
-
 // No prop is near this; bytes that go on without a marker are no frame.
 constexpr int mostLeds = 4000;
 
-// Behind the list of entries, and behind the 0xFE of a loop tail.
-QByteArray trailer()
-{
-    return QByteArrayLiteral("\0\0\0\x06"
-                             "00000\0");
-}
-
 // A count in digits; that of a pattern that ends before it starts has a sign.
-bool readNumber(const QByteArray &digits, int &value)
+constexpr int longestNumber = 11;
+
+std::optional<int> numberOf(const QByteArray &digits)
 {
     bool ok = false;
-    value = digits.toInt(&ok);
-    return ok;
+    const int number = digits.toInt(&ok);
+    return ok ? std::make_optional(number) : std::nullopt;
 }
+
+// The header behind the track byte, read from its start as far as there are bytes of it.
+class HeaderParser
+{
+public:
+    HeaderParser(const QByteArray &bytes, ImageReader::Form form)
+        : bytes(bytes)
+        , end(form == ImageReader::Form::Wire ? imageTrailer().chopped(wireCut) : imageTrailer())
+    {
+    }
+
+    // True if the whole header is there and sound. Otherwise it is broken, or there is more to come.
+    bool parse() { return takeMarks() && takeCounts() && takeRate() && takeEntries() && takeTrailer(); }
+
+    bool broken = false;
+    int at = 0;       // bytes that belong to it, the one that broke it included
+    DecodedShow show; // its fields, and what is wrong with it
+
+private:
+    // So many bytes, if they are all there.
+    std::optional<QByteArray> take(int count)
+    {
+        const int from = at;
+        at = qMin(at + count, bytes.size());
+        return at - from == count ? std::make_optional(bytes.mid(from, count)) : std::nullopt;
+    }
+
+    bool fail(const QString &problem)
+    {
+        show.problems << problem;
+        broken = true;
+        return false;
+    }
+
+    bool takeMarks()
+    {
+        const std::optional<QByteArray> marks = take(headerMarks().size());
+        return marks &&
+               (*marks == headerMarks() || fail(QStringLiteral("the header does not start with its two markers")));
+    }
+
+    bool takeCounts()
+    {
+        const std::optional<QByteArray> counts = take(6);
+        if (!counts) {
+            return false;
+        }
+        show.ledByte = static_cast<uchar>(counts->at(0));
+        show.leds = show.ledByte;
+        show.entryByte = static_cast<uchar>(counts->at(1));
+        const auto length = qFromBigEndian<quint32>(counts->constData() + 2);
+        rateLength = length >= 1 && length <= 9 ? static_cast<int>(length) : 0;
+        return rateLength > 0 || fail(QStringLiteral("the frame rate has %1 digits").arg(length));
+    }
+
+    bool takeRate()
+    {
+        const std::optional<QByteArray> digits = take(rateLength);
+        if (!digits) {
+            return false;
+        }
+        const std::optional<int> rate = numberOf(*digits);
+        show.rate = rate.value_or(0);
+        if (!rate) {
+            return fail(QStringLiteral("the frame rate is no number"));
+        }
+        const std::optional<QByteArray> mark = take(1);
+        return mark &&
+               (static_cast<uchar>(mark->at(0)) == entryEnd || fail(QStringLiteral("no marker behind the frame rate")));
+    }
+
+    // The repeat counts, up to the trailer, which begins with a zero.
+    bool takeEntries()
+    {
+        while (at < bytes.size() && bytes.at(at) != 0) {
+            const int mark = bytes.indexOf(static_cast<char>(entryEnd), at);
+            const int length = (mark < 0 ? bytes.size() : mark) - at;
+            if (length > longestNumber) {
+                at += longestNumber + 1;
+                return fail(QStringLiteral("a repeat count does not end"));
+            }
+            const std::optional<QByteArray> digits = take(length);
+            if (mark < 0) {
+                return false;
+            }
+            ++at;
+            const std::optional<int> repeat = numberOf(*digits);
+            if (!repeat) {
+                return fail(QStringLiteral("a repeat count is no number"));
+            }
+            show.entries.append({*repeat, 0, {}});
+        }
+        if (at < bytes.size() && (show.entries.size() & 0xFF) != show.entryByte) {
+            show.problems << QStringLiteral("the header counts %1 entries and lists %2")
+                                 .arg(show.entryByte)
+                                 .arg(show.entries.size());
+        }
+        return at < bytes.size();
+    }
+
+    bool takeTrailer()
+    {
+        for (const char byte : end) {
+            const std::optional<QByteArray> next = take(1);
+            if (!next) {
+                return false;
+            }
+            if (next->at(0) != byte) {
+                return fail(QStringLiteral("the header does not end as it should"));
+            }
+        }
+        return true;
+    }
+
+    const QByteArray &bytes;
+    const QByteArray end;
+    int rateLength = 0;
+};
 
 } // namespace
 
@@ -48,39 +160,38 @@ ImageReader::ImageReader(Form form)
 
 void ImageReader::feed(const QByteArray &bytes)
 {
-    for (const char byte : bytes) {
-        take(static_cast<uchar>(byte));
+    int at = state == State::Header ? takeHeader(bytes) : 0;
+    for (; at < bytes.size(); ++at) {
+        take(static_cast<uchar>(bytes.at(at)));
     }
+}
+
+// How many of the bytes belong to the header.
+int ImageReader::takeHeader(const QByteArray &bytes)
+{
+    const int before = header.size();
+    header += bytes;
+    HeaderParser parser(header, form);
+    if (parser.parse()) {
+        state = State::StartMark;
+    } else if (parser.broken) {
+        state = State::Failed;
+    }
+    if (state != State::Header) {
+        header.clear();
+    }
+    show = parser.show;
+    headerSize = parser.at;
+    return parser.at - before;
 }
 
 void ImageReader::take(uchar byte)
 {
-    const int cut = form == Form::Wire ? 2 : 0;
-    headerSize += state < State::StartMarker ? 1 : 0;
     switch (state) {
-    case State::Marks:
-    case State::Counts:
-    case State::RateEnd:
-        piece.append(static_cast<char>(byte));
-        takeCounts();
-        break;
-    case State::Rate:
-        takeRate(byte);
-        break;
-    case State::List:
-        takeList(byte);
-        break;
-    case State::HeaderTail:
-        piece.append(static_cast<char>(byte));
-        if (!trailer().startsWith(piece)) {
-            fail(QStringLiteral("the header does not end as it should"));
-        } else if (piece.size() == trailer().size() - cut) {
-            piece.clear();
-            state = State::StartMarker;
-        }
-        break;
-    case State::StartMarker:
-        if (byte == entryEnd) {
+    case State::Header:
+        break; // ends with the bytes that were fed
+    case State::StartMark:
+        if (byte == dataMark) {
             state = show.entries.isEmpty() ? State::Tail : State::Frames;
         } else {
             fail(QStringLiteral("the frame data has no start marker"));
@@ -96,77 +207,6 @@ void ImageReader::take(uchar byte)
     case State::Failed:
         ++show.extraBytes;
         break;
-    }
-}
-
-// The fields of fixed length before and behind the frame rate.
-void ImageReader::takeCounts()
-{
-    if (state == State::Marks && piece.size() == 2) {
-        if (piece != QByteArrayLiteral("\xFF\xFE")) {
-            fail(QStringLiteral("the header does not start with its two markers"));
-            return;
-        }
-        piece.clear();
-        state = State::Counts;
-    } else if (state == State::Counts && piece.size() == 6) {
-        show.ledByte = static_cast<uchar>(piece.at(0));
-        show.leds = show.ledByte;
-        show.entryByte = static_cast<uchar>(piece.at(1));
-        const auto length = qFromBigEndian<quint32>(piece.constData() + 2);
-        piece.clear();
-        if (length < 1 || length > 9) {
-            fail(QStringLiteral("the frame rate has %1 digits").arg(length));
-            return;
-        }
-        rateLength = static_cast<int>(length);
-        state = State::Rate;
-    } else if (state == State::RateEnd) {
-        if (piece != QByteArrayLiteral("\xFF")) {
-            fail(QStringLiteral("no marker behind the frame rate"));
-            return;
-        }
-        piece.clear();
-        state = State::List;
-    }
-}
-
-void ImageReader::takeRate(uchar byte)
-{
-    piece.append(static_cast<char>(byte));
-    if (piece.size() < rateLength) {
-        return;
-    }
-    if (!readNumber(piece, show.rate)) {
-        fail(QStringLiteral("the frame rate is no number"));
-        return;
-    }
-    piece.clear();
-    state = State::RateEnd;
-}
-
-void ImageReader::takeList(uchar byte)
-{
-    if (byte == 0 && piece.isEmpty()) {
-        piece.append('\0');
-        state = State::HeaderTail;
-        if ((show.entries.size() & 0xFF) != show.entryByte) {
-            show.problems << QStringLiteral("the header counts %1 entries and lists %2")
-                                 .arg(show.entryByte)
-                                 .arg(show.entries.size());
-        }
-    } else if (byte == entryEnd) {
-        DecodedEntry next;
-        if (!readNumber(piece, next.repeat)) {
-            fail(QStringLiteral("a repeat count is no number"));
-            return;
-        }
-        show.entries.append(next);
-        piece.clear();
-    } else if (piece.size() < 11) {
-        piece.append(static_cast<char>(byte));
-    } else {
-        fail(QStringLiteral("a repeat count does not end"));
     }
 }
 
@@ -219,15 +259,15 @@ void ImageReader::endFrame()
 
 void ImageReader::takeTail(uchar byte)
 {
-    const QByteArray tail = QByteArrayLiteral("\xFE") + trailer();
-    piece.append(static_cast<char>(byte));
-    if (!tail.startsWith(piece)) {
-        show.extraBytes += piece.size();
-        piece.clear();
+    const QByteArray whole = loopTail();
+    tail.append(static_cast<char>(byte));
+    if (!whole.startsWith(tail)) {
+        show.extraBytes += tail.size();
+        tail.clear();
         state = State::Ended;
-    } else if (piece.size() == tail.size()) {
+    } else if (tail.size() == whole.size()) {
         show.loop = true;
-        piece.clear();
+        tail.clear();
         state = State::Ended;
     }
 }
@@ -241,15 +281,15 @@ void ImageReader::fail(const QString &problem)
 DecodedShow ImageReader::result() const
 {
     DecodedShow read = show;
-    if (state < State::StartMarker) {
+    if (state == State::Header) {
         read.problems << QStringLiteral("the header ends early");
-    } else if (state == State::StartMarker) {
+    } else if (state == State::StartMark) {
         read.problems << QStringLiteral("there is no frame data");
     } else if (state == State::Frames) {
         read.problems
             << QStringLiteral("the frame data ends in entry %1 of %2").arg(entry + 1).arg(show.entries.size());
     } else if (state == State::Tail) {
-        read.extraBytes += piece.size();
+        read.extraBytes += tail.size();
     }
     return read;
 }

@@ -43,7 +43,7 @@ public:
 
     void feed(const QByteArray &bytes);
 
-    bool headerDone() const { return state >= State::StartMarker && state != State::Failed; }
+    bool headerDone() const { return state != State::Header && state != State::Failed; }
     // Bytes that belong to the header, as far as it has come.
     qint64 headerBytes() const { return headerSize; }
     // All entries are there. A loop tail may still follow; only the end of the data tells that it does not.
@@ -54,25 +54,23 @@ public:
     DecodedShow result() const;
 
 private:
-    enum class State { Marks, Counts, Rate, RateEnd, List, HeaderTail, StartMarker, Frames, Tail, Ended, Failed };
+    enum class State { Header, StartMark, Frames, Tail, Ended, Failed };
 
+    int takeHeader(const QByteArray &bytes);
     void take(uchar byte);
-    void takeCounts();
-    void takeRate(uchar byte);
-    void takeList(uchar byte);
     void takeFrame(uchar byte);
     void takeTail(uchar byte);
     void endFrame();
     void fail(const QString &problem);
 
     Form form;
-    State state = State::Marks;
-    QByteArray piece;   // of the field being read
-    int rateLength = 0; // bytes of the frame rate still to come
+    State state = State::Header;
+    QByteArray header; // until it has ended
     qint64 headerSize = 0;
     int entry = 0;         // entry being read
     int frame = 0;         // bytes of the frame being read
     bool measured = false; // show.leds is that of a frame
+    QByteArray tail;       // of the loop tail, as far as it has come
     DecodedShow show;
 };
 

@@ -1,6 +1,7 @@
 #include "show/image/deviceimage.h"
 
 #include "show/base/numbers.h"
+#include "show/image/format.h"
 #include "show/image/imagecolumns.h"
 #include "show/model/patternrecord.h"
 
@@ -9,21 +10,15 @@
 #include <QIODevice>
 
 #include <array>
+#include <cfloat>
 #include <limits>
 
 namespace glow {
 
 namespace {
 
-constexpr char frameEnd = '\xFE';
-constexpr char entryEnd = '\xFF';
-
-// A value rounded to single precision even where the compiler computes with more bits than that.
-float single(float value)
-{
-    volatile float stored = value;
-    return stored;
-}
+// What the prop plays depends on sums of single precision to the bit.
+static_assert(FLT_EVAL_METHOD == 0, "the compiler must not compute floats with more bits than they have");
 
 // exact / divisor rounded to whole frames. No divisor at all, and quotients beyond the range of int, yield the most
 // negative integer, which stands for "no frame".
@@ -32,18 +27,18 @@ int roundedFrames(float exact, float divisor)
     if (divisor == 0.0F) {
         return std::numeric_limits<int>::min();
     }
-    return truncated(static_cast<double>(single(exact / divisor)) + 0.5);
+    return truncated(static_cast<double>(exact / divisor) + 0.5);
 }
 
 float asFloat(qint64 value)
 {
-    return single(static_cast<float>(value));
+    return static_cast<float>(value);
 }
 
 // What exact (frames times 1000) exceeds a number of whole frames by.
 float excess(float exact, qint64 wholeFrames)
 {
-    return single(single(exact / 1000.0F) - asFloat(wholeFrames));
+    return exact / 1000.0F - asFloat(wholeFrames);
 }
 
 class Planner
@@ -60,10 +55,10 @@ public:
         ImageEntry entry;
         entry.kind = kind;
         entry.pattern = pattern;
-        entry.repeat = truncated(static_cast<double>(single(ms / blockMs)));
-        const float exact = single(ms * show.frameRate);
+        entry.repeat = truncated(static_cast<double>(ms / blockMs));
+        const float exact = ms * show.frameRate;
         entry.frames = roundedFrames(exact, asFloat(entry.repeat * Q_INT64_C(1000)));
-        drift = single(drift + excess(exact, static_cast<qint64>(entry.frames) * entry.repeat));
+        drift += excess(exact, static_cast<qint64>(entry.frames) * entry.repeat);
         entry.drift = drift;
         entries.append(entry);
     }
@@ -75,10 +70,10 @@ public:
         entry.pattern = pattern;
         entry.repeat = qMax(repeatCount, 1);
         const qint64 unit = entry.repeat;
-        const float exact = single(ms * show.frameRate);
+        const float exact = ms * show.frameRate;
         entry.frames = qMax(roundedFrames(exact, asFloat(unit * 1000)), 1);
         const float left = excess(exact, entry.frames * unit);
-        drift = single(drift + left);
+        drift += left;
         qDebug() << pattern << "left" << left << "total" << drift;
         payBack(entry.frames, entry.repeat);
         qDebug() << "after correct"
@@ -98,7 +93,7 @@ private:
         const auto step = static_cast<float>(unit);
         const double high = unit * 0.6;
         while (static_cast<double>(drift) >= high) {
-            const float next = single(drift - step);
+            const float next = drift - step;
             if (next == drift || frames == std::numeric_limits<int>::max()) {
                 break;
             }
@@ -107,7 +102,7 @@ private:
         }
         const double low = unit * -0.6;
         while (low >= static_cast<double>(drift)) {
-            const float next = single(drift + step);
+            const float next = drift + step;
             if (next == drift || frames == std::numeric_limits<int>::min()) {
                 break;
             }
@@ -163,7 +158,11 @@ public:
         block.append(bytes, size);
     }
 
-    void append(char byte) { append(&byte, 1); }
+    void append(uchar marker)
+    {
+        const auto byte = static_cast<char>(marker);
+        append(&byte, 1);
+    }
 
     void append(const QByteArray &bytes) { append(bytes.constData(), bytes.size()); }
 
@@ -260,13 +259,9 @@ private:
     BrightnessTable brightness = {};
 };
 
-// 00 00 00 06 "00000" 00: ends the header, and the frame data of a looping show.
-QByteArray trailer()
+void writeRaw(QDataStream &stream, const QByteArray &bytes)
 {
-    QByteArray bytes;
-    QDataStream stream(&bytes, QIODevice::WriteOnly);
-    stream << "00000";
-    return bytes;
+    stream.writeRawData(bytes.constData(), bytes.size());
 }
 
 } // namespace
@@ -314,15 +309,15 @@ QByteArray imageHeader(const DeviceShow &show, const QVector<ImageEntry> &entrie
 {
     QByteArray header;
     QDataStream stream(&header, QIODevice::WriteOnly);
-    stream << static_cast<quint8>(show.slot) << quint8(0xFF) << quint8(0xFE) << static_cast<quint8>(show.ledCount)
-           << static_cast<quint8>(entries.size()) << QByteArray::number(show.rateShown) << quint8(0xFF);
+    stream << static_cast<quint8>(show.slot);
+    writeRaw(stream, headerMarks());
+    stream << static_cast<quint8>(show.ledCount) << static_cast<quint8>(entries.size())
+           << QByteArray::number(show.rateShown) << entryEnd;
     for (const ImageEntry &entry : entries) {
-        const QByteArray digits = QByteArray::number(entry.repeat);
-        stream.writeRawData(digits.constData(), digits.size());
-        stream << quint8(0xFF);
+        writeRaw(stream, QByteArray::number(entry.repeat));
+        stream << entryEnd;
     }
-    const QByteArray end = trailer();
-    stream.writeRawData(end.constData(), end.size());
+    writeRaw(stream, imageTrailer());
     return header;
 }
 
@@ -338,7 +333,7 @@ ImageSummary writeDeviceImage(const DeviceShow &show, QIODevice &frameData, QIOD
     report(0);
     summary.entries = planImage(show);
     FrameWriter writer(show, frameData);
-    writer.out.append('\xFF');
+    writer.out.append(dataMark);
     for (const ImageEntry &entry : qAsConst(summary.entries)) {
         if (entry.pattern >= 0) {
             report(Q_INT64_C(99) * entry.pattern / show.patterns.size());
@@ -350,8 +345,7 @@ ImageSummary writeDeviceImage(const DeviceShow &show, QIODevice &frameData, QIOD
         header.write(imageHeader(show, summary.entries));
     }
     if (show.loop) {
-        writer.out.append('\xFE');
-        writer.out.append(trailer());
+        writer.out.append(loopTail());
     }
     writer.out.flush();
     summary.frameBytes = writer.out.total;

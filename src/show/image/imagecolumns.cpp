@@ -1,13 +1,12 @@
 #include "show/image/imagecolumns.h"
 
+#include "show/draw/rasterops.h"
+
 #include <numeric>
 
 namespace glow {
 
 namespace {
-
-// QImage::scaled loses everything right of this column (the raster engine counts short).
-constexpr int widestScaled = 32767;
 
 // A pixel's number must fit into its red, green and blue.
 constexpr qint64 mostNumbered = 1 << 24;
@@ -53,7 +52,7 @@ ImageColumns::ImageColumns(const QImage &picture, int columns, int rows, const B
     , bytes(3 * qMax(rows, 0), '\0')
 {
     if (!picture.isNull() && rows > 0) {
-        mapPixels(picture, columns <= widestScaled ? columns : picture.width(), rows);
+        mapPixels(picture, columns <= painterLimit ? columns : picture.width(), rows);
     }
     unmultiply = source.format() == QImage::Format_ARGB32_Premultiplied;
 }
@@ -95,8 +94,7 @@ int ImageColumns::sourceOf(int x) const
     if (sourceX.size() == columns) {
         return sourceX.at(x);
     }
-    // The nearest column, by the middle of the column asked for.
-    return sourceX.at(static_cast<int>((Q_INT64_C(2) * x + 1) * sourceX.size() / (Q_INT64_C(2) * columns)));
+    return sourceX.at(static_cast<int>(nearestPixel(x, sourceX.size(), columns, Tie::Right)));
 }
 
 const QByteArray &ImageColumns::column(int x)

@@ -3,18 +3,11 @@
 #include "show/base/numbers.h"
 #include "show/model/collision.h"
 #include "show/model/projectfile.h"
+#include "show/model/propvalues.h"
 
 #include <algorithm>
 
 namespace glow {
-
-namespace {
-
-// What the window's fields for LED count and column rate can hold.
-constexpr int mostLeds = 999;
-constexpr int highestRate = 9999;
-
-} // namespace
 
 int shownLeds(const Project &project)
 {

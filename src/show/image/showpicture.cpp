@@ -51,6 +51,33 @@ void drawColumn(QImage &strip, int x, const DecodedShow &show, const DecodedEntr
     }
 }
 
+// All columns from left to right, one pixel an LED.
+QImage stripOf(const DecodedShow &show, const QVector<Stretch> &parts, qint64 columns, int width)
+{
+    QImage strip(width, show.leds, QImage::Format_RGB32);
+    strip.fill(Qt::black);
+    const int divisor = gammaDivisor(show.leds);
+    int part = 0;
+    for (int x = 0; x < width; ++x) {
+        const qint64 column = firstColumn(x, columns, width);
+        while (part + 1 < parts.size() && column >= parts.at(part).first + parts.at(part).count) {
+            ++part;
+        }
+        const DecodedEntry &entry = *parts.at(part).entry;
+        drawColumn(strip, x, show, entry, (column - parts.at(part).first) % entry.frameCount, divisor);
+    }
+    return strip;
+}
+
+void drawBorders(QPainter &painter, const QVector<Stretch> &parts, qint64 columns, int width, int height)
+{
+    painter.setPen(QPen(QColor(255, 200, 0, 160), 1, Qt::DashLine));
+    for (const Stretch &stretch : parts) {
+        const int x = int(double(stretch.first) / double(columns) * width);
+        painter.drawLine(x, 0, x, height);
+    }
+}
+
 // A step of the time axis that leaves room for its label.
 double axisStep(double seconds, int width)
 {
@@ -108,24 +135,8 @@ QImage drawShow(const DecodedShow &show)
         painter.drawText(picture.rect(), Qt::AlignCenter, QStringLiteral("no frames"));
         return picture;
     }
-    QImage strip(width, show.leds, QImage::Format_RGB32);
-    strip.fill(Qt::black);
-    const int divisor = gammaDivisor(show.leds);
-    int part = 0;
-    for (int x = 0; x < width; ++x) {
-        const qint64 column = firstColumn(x, columns, width);
-        while (part + 1 < parts.size() && column >= parts.at(part).first + parts.at(part).count) {
-            ++part;
-        }
-        const DecodedEntry &entry = *parts.at(part).entry;
-        drawColumn(strip, x, show, entry, (column - parts.at(part).first) % entry.frameCount, divisor);
-    }
-    painter.drawImage(QRect(0, 0, width, stripHeight), strip);
-    painter.setPen(QPen(QColor(255, 200, 0, 160), 1, Qt::DashLine));
-    for (const Stretch &stretch : parts) {
-        const int x = int(double(stretch.first) / double(columns) * width);
-        painter.drawLine(x, 0, x, stripHeight);
-    }
+    painter.drawImage(QRect(0, 0, width, stripHeight), stripOf(show, parts, columns, width));
+    drawBorders(painter, parts, columns, width, stripHeight);
     drawAxis(painter, stripHeight, width, show.rate > 0 ? double(columns) / show.rate : 0);
     return picture;
 }

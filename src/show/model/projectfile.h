@@ -38,7 +38,8 @@ constexpr int shortestPattern = 39;
 
 // Reads without any check, as the stream itself would: what a short or foreign file does not hold comes out as zeros,
 // nulls and empty blobs, and reading ends with the bytes. A length beyond the file's end takes what is left and yields
-// an empty value. Never asks for more memory than a few times the size of bytes.
+// an empty value. Whatever lengths the bytes claim, they cost no more memory than a few times their size and a few
+// megabytes.
 Project readProject(const QByteArray &bytes);
 
 QByteArray writeProject(const Project &project);

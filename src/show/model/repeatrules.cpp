@@ -1,14 +1,20 @@
 #include "show/model/repeatrules.h"
-#include "show/base/numbers.h"
 
-#include <QImage>
+#include "show/base/numbers.h"
+#include "show/base/scaling.h"
+
 #include <QPixmap>
 
 #include <algorithm>
+#include <limits>
 
 namespace glow {
 
 namespace {
+
+// The limits of a picture of 32 bits a pixel: so many bits in a line, so many bytes in all.
+constexpr int widestPicture = (std::numeric_limits<int>::max() - 31) / 32;
+constexpr int mostPixels = std::numeric_limits<int>::max() / 4;
 
 // Narrowed to single precision, raised to 1, truncated. A count beyond the range of int (a width of 0 makes it
 // infinite) is no count that anybody meant: 1.
@@ -49,7 +55,8 @@ int columnsAtHeight(const QPixmap &picture, int leds)
     if (picture.isNull() || leds <= 0) {
         return 0;
     }
-    return picture.scaledToHeight(leds, Qt::FastTransformation).width();
+    const qint64 width = widthAtHeight(picture.size(), leds);
+    return width > 0 && width <= widestPicture && width * leds <= mostPixels ? static_cast<int>(width) : 0;
 }
 
 } // namespace glow

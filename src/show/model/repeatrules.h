@@ -17,7 +17,8 @@ int suggestedRepeat(double seconds, int speed, int width, float rate);
 // of 0.
 int placedRepeat(int durationMs, int speed, int width, float rate);
 
-// Width in columns that a picture takes at the given LED count; 0 for a null picture or no LEDs.
+// Width in columns that a picture takes at the given LED count; 0 for a null picture, no LEDs, or a picture that is too
+// large to be made at that count.
 int columnsAtHeight(const QPixmap &picture, int leds);
 
 } // namespace glow

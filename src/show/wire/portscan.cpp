@@ -6,6 +6,38 @@
 
 namespace glow {
 
+namespace {
+
+// A port that an unaccepted answer has left open stays the one.
+bool openPort(QSerialPort &port, int number, const ScanRules &rules)
+{
+    if (rules.trying) {
+        rules.trying(number);
+    }
+    if (!port.isOpen()) {
+        port.setPortName(portName(number));
+        port.open(QIODevice::ReadWrite);
+    }
+    return port.isOpen();
+}
+
+// Whether what the caller looks for speaks at the open port. A silent one is closed.
+bool answers(QSerialPort &port, int number, const ScanRules &rules)
+{
+    port.setDataTerminalReady(true);
+    if (!rules.wait(port, rules.waitMs)) {
+        if (rules.silent) {
+            rules.silent(number);
+        }
+        port.close();
+        return false;
+    }
+    const QString text = deviceText(port.readAll());
+    return !text.isEmpty() && rules.accepts(text);
+}
+
+} // namespace
+
 void setUpPort(QSerialPort &port, int baud)
 {
     port.setBaudRate(baud);
@@ -37,40 +69,16 @@ bool waitUntilSent(QSerialPort &port)
 
 ScanResult scanPorts(QSerialPort &port, int &number, const ScanRules &rules)
 {
-    number = 0;
-    while (true) {
-        do {
-            if (rules.trying) {
-                rules.trying(number);
-            }
-            if (!port.isOpen()) {
-                port.setPortName(portName(number));
-                port.open(QIODevice::ReadWrite);
-            }
-            ++number;
-        } while (!port.isOpen() && number < portCount);
-
-        if (!port.isOpen()) {
-            return ScanResult::NoneOpen;
-        }
-        port.setDataTerminalReady(true);
-
-        if (rules.wait(port, rules.waitMs)) {
-            const QString text = deviceText(port.readAll());
-            if (!text.isEmpty() && rules.accepts(text)) {
-                --number;
-                return ScanResult::Found;
-            }
-        } else {
-            if (rules.silent) {
-                rules.silent(number - 1);
-            }
-            port.close();
-        }
-        if (number >= portCount) {
-            return ScanResult::NoAnswer;
+    bool opened = false;
+    for (number = 0; number < portCount;) {
+        opened = openPort(port, number, rules);
+        ++number;
+        if (opened && answers(port, number - 1, rules)) {
+            --number;
+            return ScanResult::Found;
         }
     }
+    return opened ? ScanResult::NoAnswer : ScanResult::NoneOpen;
 }
 
 } // namespace glow

@@ -1,5 +1,6 @@
 #include "show/wire/upload.h"
 
+#include "show/image/format.h"
 #include "show/wire/portnames.h"
 
 #include <QDebug>
@@ -14,8 +15,8 @@ namespace {
 
 constexpr int chunkBytes = 2048;
 constexpr unsigned long chunkPauseMs = 10;
-constexpr int headerCut = 3;      // the track byte, sent before, and two bytes that the wire leaves out
-constexpr int longestWaitMs = 20; // no wait is longer than this without a checkpoint
+constexpr int headerCut = 1 + wireCut; // the track byte, sent before, and what the wire leaves out
+constexpr int longestWaitMs = 20;      // no wait is longer than this without a checkpoint
 
 void waitUntilSent(QSerialPort &port, const UploadHooks &hooks)
 {
