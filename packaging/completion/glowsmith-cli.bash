@@ -1,8 +1,13 @@
 # bash completion for glowsmith-cli
 _glowsmith_cli() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options=
+    local commands="info check export show relink pictures upload"
     if [ "$COMP_CWORD" -eq 1 ]; then
-        mapfile -t COMPREPLY < <(compgen -W "info check export show relink pictures upload --help --version" -- "$word")
+        mapfile -t COMPREPLY < <(compgen -W "$commands help --help --version" -- "$word")
+        return
+    fi
+    if [ "${COMP_WORDS[1]}" = help ]; then
+        [ "$COMP_CWORD" -gt 2 ] || mapfile -t COMPREPLY < <(compgen -W "$commands" -- "$word")
         return
     fi
     case "$before" in

@@ -9,6 +9,7 @@
 #include "show/base/resources.h"
 
 #include <QApplication>
+#include <QByteArray>
 #include <QIcon>
 #include <QLibraryInfo>
 #include <QLocale>
@@ -101,6 +102,22 @@ std::optional<UnsavedShow> wantedBack(RecoveryStore &store)
     return std::nullopt;
 }
 
+// What is asked for on the command line and needs no window, nor a display; empty for everything else.
+QByteArray answerTo(const QByteArray &argument)
+{
+    if (argument == "--version" || argument == "-v") {
+        return "glowsmith " + QByteArray::number(programVersion, 'f', 3) + '\n';
+    }
+    if (argument == "--help" || argument == "-h") {
+        return "Usage: glowsmith [PROJECT]\n\n"
+               "Opens the window, with PROJECT if one is named: a .gsw3 project or an older .gsw one.\n\n"
+               "  -h, --help     print this and end\n"
+               "  -v, --version  print the version and end\n\n"
+               "glowsmith-cli works on shows without a window; the manual is \"man glowsmith\".\n";
+    }
+    return {};
+}
+
 int runProgram()
 {
     QTranslator qtTexts;
@@ -139,6 +156,10 @@ int runProgram()
 
 int runGlowsmith(int argc, char **argv)
 {
+    const QByteArray answer = argc > 1 ? answerTo(argv[1]) : QByteArray();
+    if (!answer.isEmpty()) {
+        return std::fputs(answer.constData(), stdout) < 0 || std::fflush(stdout) != 0 ? 1 : 0;
+    }
     QCoreApplication::setAttribute(Qt::AA_EnableHighDpiScaling);
     QCoreApplication::setAttribute(Qt::AA_UseHighDpiPixmaps);
     QGuiApplication::setHighDpiScaleFactorRoundingPolicy(Qt::HighDpiScaleFactorRoundingPolicy::PassThrough);

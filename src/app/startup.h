@@ -4,7 +4,8 @@
 namespace glow {
 
 // Prepares the application and its language, shows the start dialog, then the window. The optional first argument is
-// the path of a project to open. Returns the event loop's result, or 0 if the start dialog ends the program.
+// the path of a project to open, or --version or --help, which are answered at once. Returns the event loop's result, or
+// 0 if the start dialog ends the program.
 int runGlowsmith(int argc, char **argv);
 
 } // namespace glow

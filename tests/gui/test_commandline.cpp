@@ -20,13 +20,13 @@ class TestCommandLine : public WindowTest
 
 private:
     // Runs a command; its outputs are those of the process afterwards. Minus one if it crashes or hangs.
-    int run(const QStringList &arguments)
+    int run(const QStringList &arguments, const char *program = GLOWSMITH_CLI)
     {
         // The command line must do without a display.
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.remove("DISPLAY");
         process.setProcessEnvironment(environment);
-        process.start(QStringLiteral(GLOWSMITH_CLI), arguments);
+        process.start(program, arguments);
         const bool ended = process.waitForFinished(60000) && process.exitStatus() == QProcess::NormalExit;
         return ended ? process.exitCode() : -1;
     }
@@ -168,17 +168,61 @@ private slots:
 
     void saysWhatIsWrong()
     {
-        const QVector<QPair<QString, int>> calls{
-            {"", 2},
-            {"--help", 0},
-            {"info a.gsw3 --loud", 2},
-            {"info /etc/passwd", 1},
-            {"export /gone.gsw3 -o x.bin --slot 9", 2},
+        const QString show = save({{pattern(0, 1000)}});
+        QVERIFY(put("text.gsw3", "Not a project, though it is long enough to be one.") && put("old.gsw", "36><1000\n"));
+        QVERIFY(QFile::link("/nowhere.gsw3", "link.gsw3") && QDir().mkdir("folder.gsw3"));
+        const struct
+        {
+            QString line;
+            int code;
+            QByteArray said; // on standard output if all is well, else on standard error
+        } calls[] = {
+            {"", 2, "Usage: "},
+            {"--help", 0, "\n  check "},
+            {"help", 0, "\n  check "},
+            {"help relink", 0, "Usage: glowsmith-cli relink [options] PROJECT"},
+            {"help nothing", 2, "no such command: nothing"},
+            {"info a.gsw3 --loud", 2, "Unknown option 'loud'"},
+            {"relink " + show, 2, "--pictures DIR is needed"},
+            {"export /gone.gsw3 -o x.bin --slot 9", 2, "--slot takes a number from 1 to 8"},
+            {"info /gone.gsw3", 1, "/gone.gsw3: no such file"},
+            {"info folder.gsw3", 1, "folder.gsw3: is a folder"},
+            {"info link.gsw3", 1, "link.gsw3: is a link to a file that is gone"},
+            {"show /gone.bin -o x.png", 1, "/gone.bin: no such file"},
+            {"info old.gsw", 1, "old.gsw: not a .gsw3 project; old .gsw projects are"},
+            {"info text.gsw3", 1, "text.gsw3: not a project"},
+            {"export " + show + " -o folder.gsw3", 1, "folder.gsw3: is a folder"},
+            {"export " + show + " -o /gone/x.bin", 1, "/gone/x.bin: No such file or directory"},
+            {"export " + show + " -o /dev/full", 1, "/dev/full: No space left on device"},
+            {"show " + show + " -o x.doc", 1, "x.doc: unknown picture format; the name may end in one of: bmp, "},
+            {"relink " + show + " --pictures old.gsw", 1, "old.gsw: is no folder"},
         };
-        for (const auto &[line, code] : calls) {
-            QVERIFY2(run(line.split(' ', Qt::SkipEmptyParts)) == code, qPrintable(line));
-            QVERIFY2(!(code == 0 ? process.readAllStandardOutput() : process.readAllStandardError()).isEmpty(),
-                     qPrintable(line));
+        for (const auto &call : calls) {
+            QVERIFY2(run(call.line.split(' ', Qt::SkipEmptyParts)) == call.code, qPrintable(call.line));
+            const QByteArray said = call.code == 0 ? process.readAllStandardOutput() : process.readAllStandardError();
+            QVERIFY2(said.contains(call.said), said);
+        }
+    }
+
+    void writesToStandardOutput()
+    {
+        const QString show = save({{pattern(0, 1000)}});
+        QCOMPARE(run({"export", show, "-o", "x.bin"}), 0);
+        QCOMPARE(run({"export", show, "-o", "-"}), 0);
+        QCOMPARE(process.readAllStandardOutput(), contentOf("x.bin"));
+        QVERIFY(process.readAllStandardError().startsWith("1 patterns, "));
+        QCOMPARE(run({"show", "x.bin", "-o", "-"}), 0);
+        QVERIFY(QImage::fromData(process.readAllStandardOutput(), "png").width() > 900);
+        QVERIFY(!QFile::exists("-"));
+    }
+
+    // No display is there to be found.
+    void theWindowsProgramAnswersWithoutAWindow()
+    {
+        for (const auto &[option, answer] :
+             {std::pair("--version", "glowsmith 3.104\n"), {"--help", "Usage: glowsmith "}}) {
+            QCOMPARE(run({option}, GLOWSMITH_PROGRAM), 0);
+            QVERIFY(process.readAllStandardOutput().startsWith(answer));
         }
     }
 };

@@ -1,7 +1,6 @@
 // What the commands share: their prologue, their outputs, and the show that several of them work on.
 #include "cli.h"
 
-#include "show/base/wholefile.h"
 #include "show/image/projectshow.h"
 #include "show/model/showtime.h"
 
@@ -88,9 +87,9 @@ ExitCode run(const Command &command, const QStringList &arguments)
     describe(command, parser);
     const bool understood = parser.parse(QStringList{titleOf(command)} + arguments);
     if (parser.isSet(QStringLiteral("help"))) {
-        // The parser knows nothing of commands.
-        print(parser.helpText().replace(QStringLiteral("glowsmith-cli [options]"),
-                                        titleOf(command) + QStringLiteral(" [options]")));
+        // The parser knows nothing of commands; its own first words are the path of the program.
+        const QString text = parser.helpText();
+        print(QStringLiteral("Usage: ") + titleOf(command) + text.mid(text.indexOf(QStringLiteral(" [options]"))));
         return Done;
     }
     if (!understood) {
@@ -139,25 +138,6 @@ std::optional<int> Call::number(const char *option, int least, int most) const
     misused(command,
             QStringLiteral("--%1 takes a number from %2 to %3").arg(QLatin1String(option)).arg(least).arg(most));
     return std::nullopt;
-}
-
-std::optional<glow::Project> openProject(const QString &path)
-{
-    if (!glow::isProjectPath(path)) {
-        complain(QStringLiteral("%1: not a .gsw3 project; old .gsw projects are opened in the window and saved anew")
-                     .arg(path));
-        return std::nullopt;
-    }
-    const std::optional<QByteArray> bytes = glow::readWholeFile(path);
-    if (!bytes.has_value()) {
-        complain(QStringLiteral("%1: cannot be read").arg(path));
-        return std::nullopt;
-    }
-    if (bytes->size() < glow::shortestProject) {
-        complain(QStringLiteral("%1: too short for a project").arg(path));
-        return std::nullopt;
-    }
-    return glow::readProject(*bytes);
 }
 
 QList<QCommandLineOption> trackOptions()

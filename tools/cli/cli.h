@@ -5,6 +5,7 @@
 #include "show/image/deviceimage.h"
 #include "show/model/projectfile.h"
 
+#include <QByteArray>
 #include <QCommandLineOption>
 #include <QCommandLineParser>
 #include <QJsonObject>
@@ -77,8 +78,13 @@ void complain(const QString &line);
 // A warning if the image does not hold all of its show.
 void warnIfCut(const glow::ImageSummary &summary);
 
-// A project of the current form; nothing, after a complaint, if it cannot be read or is none.
-std::optional<glow::Project> openProject(const QString &path);
+// Each of these complains if it fails, and names the file and the reason.
+std::optional<QByteArray> readFile(const QString &path);
+std::optional<glow::Project> openProject(const QString &path); // of the current form
+bool writeFile(const QString &path, const QByteArray &bytes);  // "-" is standard output
+
+// Tells what was written; on standard error if it went to standard output.
+void printWritten(const QString &path, const QString &what);
 
 // Does something with the track that the call chooses (trackOptions) of the project that it names; complains if there
 // is none or the track is empty.

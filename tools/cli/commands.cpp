@@ -45,13 +45,16 @@ QVector<Command> commands()
         {"export", "write a track as a .bin file, as the window does",
          "Writes a track as a .bin file, byte for byte what the window exports.",
          "export show.gsw3 -o show.bin --slot 2 --once", project, aProject,
-         trackOptions() + output("The file to write.", "SHOW.bin"), "output",
+         trackOptions() + output("The file to write, - for standard output.", "SHOW.bin"), "output",
          [](const Call &call) { return withShow(call, exportBin); }},
         {"show", "draw what the prop will show as a picture",
          "Draws what the prop will show: its columns over time, with the borders of the entries and a time axis. "
          "Takes a project or a .bin file.",
          "show show.bin -o show.png", "FILE", "A .gsw3 project or a .bin file.",
-         trackOptions() + output("The picture to write.", "PICTURE.png"), "output", drawPicture},
+         trackOptions() +
+             output("The picture to write, in the format that its name ends in; - for a PNG on standard output.",
+                    "PICTURE.png"),
+         "output", drawPicture},
         {"relink", "find lost pictures in a folder",
          "Finds the project's lost pictures in a folder and its subfolders and writes their new places into the "
          "project.",

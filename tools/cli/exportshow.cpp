@@ -1,14 +1,15 @@
 // glowsmith-cli export and show: a track as the prop's own format, and as the picture that comes of it.
 #include "cli.h"
 
-#include "show/base/wholefile.h"
 #include "show/image/binfile.h"
 #include "show/image/devicedecode.h"
 #include "show/image/showpicture.h"
 
 #include <QBuffer>
-#include <QFile>
+#include <QByteArrayList>
+#include <QFileInfo>
 #include <QImage>
+#include <QImageWriter>
 
 #include <optional>
 
@@ -53,29 +54,45 @@ QByteArray binOf(ImageParts &parts)
     return bin;
 }
 
-std::optional<glow::DecodedShow> readBin(const QString &path)
+// What the name's ending says of the picture's format, PNG for standard output; empty, after a complaint, if no such
+// format can be written.
+QByteArray formatOf(const QString &path)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        complain(QStringLiteral("%1: %2").arg(path, file.errorString()));
-        return std::nullopt;
+    if (path == QLatin1String("-")) {
+        return QByteArrayLiteral("png");
     }
-    return glow::decodeBin(file.readAll());
+    const QByteArray format = QFileInfo(path).suffix().toLower().toLatin1();
+    const QList<QByteArray> known = QImageWriter::supportedImageFormats();
+    if (known.contains(format)) {
+        return format;
+    }
+    complain(QStringLiteral("%1: unknown picture format; the name may end in one of: %2")
+                 .arg(path, QString::fromLatin1(QByteArrayList(known).join(", "))));
+    return {};
 }
 
 // Draws what was read, and says what is wrong with it.
 ExitCode draw(const Call &call, const glow::DecodedShow &show)
 {
+    const QString path = call.value("output");
+    const QByteArray format = formatOf(path);
+    if (format.isEmpty()) {
+        return Failed;
+    }
     for (const QString &problem : show.problems) {
         complain(QStringLiteral("%1: %2").arg(call.operand(), problem));
     }
-    const QString path = call.value("output");
-    const QImage picture = glow::drawShow(show);
-    if (picture.isNull() || !picture.save(path)) {
-        complain(QStringLiteral("%1: cannot be written").arg(path));
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    QImageWriter writer(&buffer, format);
+    if (!writer.write(glow::drawShow(show))) {
+        complain(QStringLiteral("%1: %2").arg(path, writer.errorString()));
         return Failed;
     }
-    print(QStringLiteral("%1: %2 entries").arg(path).arg(show.entries.size()));
+    if (!writeFile(path, bytes)) {
+        return Failed;
+    }
+    printWritten(path, QStringLiteral("%1 entries").arg(show.entries.size()));
     return show.problems.isEmpty() ? Done : Failed;
 }
 
@@ -95,12 +112,10 @@ ExitCode exportBin(const Call &call, const glow::DeviceShow &show)
     }
     const QString path = call.value("output");
     const QByteArray bin = binOf(*parts);
-    const glow::WriteResult written = glow::writeWholeFile(path, bin);
-    if (written.state != glow::WriteResult::Written) {
-        complain(QStringLiteral("%1: %2").arg(path, written.error));
+    if (!writeFile(path, bin)) {
         return Failed;
     }
-    print(QStringLiteral("%1: %2 patterns, %3 bytes").arg(path).arg(show.patterns.size()).arg(bin.size()));
+    printWritten(path, QStringLiteral("%1 patterns, %2 bytes").arg(show.patterns.size()).arg(bin.size()));
     return Done;
 }
 
@@ -109,8 +124,8 @@ ExitCode drawPicture(const Call &call)
     if (!call.operand().endsWith(QStringLiteral(".bin"), Qt::CaseInsensitive)) {
         return withShow(call, drawImage);
     }
-    const std::optional<glow::DecodedShow> show = readBin(call.operand());
-    return show ? draw(call, *show) : Failed;
+    const std::optional<QByteArray> bin = readFile(call.operand());
+    return bin ? draw(call, glow::decodeBin(*bin)) : Failed;
 }
 
 } // namespace cli

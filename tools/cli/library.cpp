@@ -1,7 +1,6 @@
 // glowsmith-cli relink and pictures: the source pictures of a project.
 #include "cli.h"
 
-#include "show/base/wholefile.h"
 #include "show/model/missingpictures.h"
 #include "show/model/patternrecord.h"
 #include "show/model/settingstext.h"
@@ -18,6 +17,7 @@ struct Count
 {
     int done = 0;
     int lost = 0;
+    int failed = 0; // there, but not copied
 };
 
 // Looks each lost picture up in the folder.
@@ -59,6 +59,9 @@ Count copyPictures(const glow::Project &project, const QString &folder)
             } else if (!QFile::exists(*source)) {
                 complain(QStringLiteral("lost: ") + *source);
                 ++count.lost;
+            } else if (!QFile::exists(QDir(folder).filePath(glow::pictureName(*source)))) {
+                complain(QStringLiteral("cannot be copied to %1: %2").arg(folder, *source));
+                ++count.failed;
             }
         }
     }
@@ -70,8 +73,8 @@ Count copyPictures(const glow::Project &project, const QString &folder)
 ExitCode relink(const Call &call)
 {
     const QString folder = call.value("pictures");
-    if (!QFileInfo(folder).isDir()) {
-        complain(folder + QStringLiteral(": no such folder"));
+    if (const QFileInfo place(folder); !place.isDir()) {
+        complain(folder + (place.exists() ? QStringLiteral(": is no folder") : QStringLiteral(": no such folder")));
         return Failed;
     }
     const QString path = call.operand();
@@ -80,12 +83,8 @@ ExitCode relink(const Call &call)
         return Failed;
     }
     const Count count = relinkPatterns(*project, folder);
-    if (count.done > 0) {
-        const glow::WriteResult written = glow::writeWholeFile(path, glow::writeProject(*project));
-        if (written.state != glow::WriteResult::Written) {
-            complain(QStringLiteral("%1: %2").arg(path, written.error));
-            return Failed;
-        }
+    if (count.done > 0 && !writeFile(path, glow::writeProject(*project))) {
+        return Failed;
     }
     print(QStringLiteral("%1 relinked, %2 still lost").arg(count.done).arg(count.lost));
     return count.lost == 0 ? Done : Failed;
@@ -99,12 +98,13 @@ ExitCode gatherPictures(const Call &call)
     }
     const QString folder = call.value("output");
     if (!QDir().mkpath(folder)) {
-        complain(folder + QStringLiteral(": cannot be made"));
+        complain(folder + (QFileInfo::exists(folder) ? QStringLiteral(": is no folder")
+                                                     : QStringLiteral(": the folder cannot be made")));
         return Failed;
     }
     const Count count = copyPictures(*project, folder);
     print(QStringLiteral("%1 copied, %2 lost").arg(count.done).arg(count.lost));
-    return count.lost == 0 ? Done : Failed;
+    return count.lost + count.failed == 0 ? Done : Failed;
 }
 
 } // namespace cli

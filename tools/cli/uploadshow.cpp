@@ -1,5 +1,6 @@
 // glowsmith-cli upload: a track to the prop, with a progress bar.
 #include "cli.h"
+#include "progressbar.h"
 
 #include "show/image/imagefiles.h"
 #include "show/wire/upload.h"
@@ -8,19 +9,10 @@
 #include <QFileInfo>
 #include <QSerialPort>
 #include <QTemporaryDir>
-#include <QTextStream>
 
 namespace cli {
 
 namespace {
-
-void drawProgress(int percent)
-{
-    constexpr int width = 40;
-    const int filled = percent * width / 100;
-    QTextStream(stderr) << "\r[" << QString(filled, u'#') << QString(width - filled, u' ') << "] " << percent << "%"
-                        << (percent == 100 ? "\n" : "");
-}
 
 // One port alone is tried if it is the only one behind the pattern: a link with the number 0 in a folder of our own.
 bool useOnly(const QString &port, const QTemporaryDir &folder)
@@ -38,14 +30,9 @@ bool useOnly(const QString &port, const QTemporaryDir &folder)
 // Why there was no upload; empty if there was one. Blocks: the progress is drawn as it goes.
 QString sendToProp(QFileDevice &header, QFileDevice &frameData)
 {
-    int drawn = -1;
+    ProgressBar bar;
     glow::UploadHooks hooks;
-    hooks.progress = [&drawn](int percent) {
-        if (percent != drawn) {
-            drawProgress(percent);
-            drawn = percent;
-        }
-    };
+    hooks.progress = [&bar](int percent) { bar.show(percent); };
     QSerialPort port;
     int number = 0;
     switch (glow::findProp(port, number, hooks)) {
@@ -62,16 +49,15 @@ QString sendToProp(QFileDevice &header, QFileDevice &frameData)
         hooks.progress(100);
         return {};
     }
-    const QString lineEnd = drawn >= 0 ? QStringLiteral("\n") : QString();
     switch (end) {
     case glow::UploadEnd::FilesUnreadable:
-        return lineEnd + QStringLiteral("export error!");
+        return QStringLiteral("export error!");
     case glow::UploadEnd::NoReply:
-        return lineEnd + QStringLiteral("the prop did not answer (ERROR01)");
+        return QStringLiteral("the prop did not answer (ERROR01)");
     case glow::UploadEnd::Refused:
-        return lineEnd + QStringLiteral("the prop refused the show (ERROR02)");
+        return QStringLiteral("the prop refused the show (ERROR02)");
     default:
-        return lineEnd + QStringLiteral("the prop did not finish");
+        return QStringLiteral("the prop did not finish");
     }
 }
 

@@ -34,6 +34,21 @@ Project readProject(const QByteArray &bytes)
     return project;
 }
 
+bool looksLikeProject(const QByteArray &bytes)
+{
+    // The shortest one: the two numbers and the song's "null".
+    constexpr int shortest = 22;
+    constexpr int headLength = 14;
+    constexpr double absurdRate = 1.0e6;
+    QDataStream stream(bytes);
+    qint16 leds = 0;
+    double rate = 0;
+    quint32 songLength = 0; // bytes of UTF-16
+    stream >> leds >> rate >> songLength;
+    return bytes.size() >= shortest && leds >= 0 && rate >= 0.0 && rate < absurdRate && songLength % 2 == 0 &&
+           songLength <= quint32(bytes.size() - headLength);
+}
+
 QByteArray writeProject(const Project &project)
 {
     QByteArray bytes;

@@ -30,9 +30,6 @@ struct Project
     bool hasSong() const;
 };
 
-// The shortest file that holds a project: the two numbers and the song's "null".
-constexpr int shortestProject = 22;
-
 // The shortest blob that holds a pattern: one with a null picture and a null text.
 constexpr int shortestPattern = 39;
 
@@ -41,6 +38,10 @@ constexpr int shortestPattern = 39;
 // an empty value. Whatever lengths the bytes claim, they cost no more memory than a few times their size and a few
 // megabytes.
 Project readProject(const QByteArray &bytes);
+
+// Whether bytes begin as a project does: an LED count, a column rate and a song's path that make sense. Reading does
+// not ask for it; it tells a project from a file of another kind.
+bool looksLikeProject(const QByteArray &bytes);
 
 QByteArray writeProject(const Project &project);
 
