@@ -4,6 +4,8 @@
 
 #include <QtGlobal>
 
+#include <limits>
+
 #ifdef Q_OS_UNIX
 #include <csignal>
 #include <sys/resource.h>
@@ -12,6 +14,7 @@
 class SmallDisk
 {
 public:
+    static constexpr quint64 endless = std::numeric_limits<quint64>::max();
 #ifdef Q_OS_UNIX
     static constexpr bool works = true;
 
@@ -32,7 +35,6 @@ private:
 #else
     static constexpr bool works = false;
 
-    explicit SmallDisk(quint64) {}
+    explicit SmallDisk(quint64 /*bytes*/) {}
 #endif
-    Q_DISABLE_COPY_MOVE(SmallDisk)
 };

@@ -43,7 +43,7 @@ private slots:
     void changeIsKeptAndSavingRemovesIt()
     {
         QCOMPARE(kept(), 0); // nothing changed yet
-        addColour();
+        add(patternBlob("1?#ff0000", 0));
         QVERIFY(recovery->hasUnsaved());
         QCOMPARE(kept(), 1);
         // Another program leaves alone what belongs to a living one, and clears away what was half written.
@@ -62,68 +62,59 @@ private slots:
         QCOMPARE(kept(), 1);
     }
 
-    void leftoverComesBackAsItWas_data()
-    {
-        QTest::addColumn<QString>("kind");
-        for (const char *kind : {"whole", "emptied", "without a file", "on a full disk"}) {
-            QTest::newRow(kind) << QString(kind);
-        }
-    }
-
     void leftoverComesBackAsItWas()
     {
-        QFETCH(const QString, kind);
-        const bool empty = kind == "emptied";
-        const bool hasFile = kind != "without a file"; // which New leaves, answered with Cancel
-        const bool fullDisk = kind == "on a full disk" && SmallDisk::works;
-        addColour();
-        QVERIFY(put(window->currentFile, "the user's own"));
-        if (empty) {
-            recovery->showIsSafe();
-            window->currentTimeline->items.first()->on_itemDelete_clicked();
-        }
-        for (int i = 0; i < 3 && !empty; ++i) {
-            window->on_timeline_add_clicked();
-            window->ui->Color_R->setValue(100 + i);
-            addColour();
-        }
-        QCOMPARE(kept(), 1);
-        window->hasFile = hasFile; // without a change of the show
-        QCOMPARE(kept(), 1);
-        const glow::Project before = window->asProject();
+        for (const QString kind : {"whole", "emptied", "without a file", "on a full disk"}) {
+            init();
+            const bool hasFile = kind != "without a file"; // which New leaves, answered with Cancel
+            const bool fullDisk = kind == "on a full disk" && SmallDisk::works;
+            QVERIFY(put(window->currentFile, "the user's own"));
+            for (const char *settings : {"1?#ff0000", "1?#00ff00", "1?#0000ff"}) {
+                add(patternBlob(settings, 0));
+                window->on_timeline_add_clicked();
+            }
+            if (kind == "emptied") {
+                recovery->showIsSafe();
+                window->resetDocument();
+            }
+            QCOMPARE(kept(), 1);
+            window->hasFile = hasFile; // without a change of the show
+            QCOMPARE(kept(), 1);
+            const glow::Project before = window->asProject();
 
-        // What remains of a run that was killed: the file without its program.
-        const QString file = folder() + "/unsaved-0.show";
-        const QByteArray survivor = contentOf(file);
-        window.reset();
-        QVERIFY(put(file, survivor));
-        auto store = std::make_unique<glow::RecoveryStore>(folder());
-        const auto show = store->findLeftover();
-        QVERIFY(show.has_value());
-        window.reset(new MainWindow);
-        keepIn(std::move(store));
-        window->setWindowTitle("Glowsmith - other.gsw3  "); // was given to this run
-        {
-            const SmallDisk disk(fullDisk ? 100 : std::numeric_limits<quint64>::max());
-            window->restoreShow(*show);
-            recovery->adoptLeftover();
+            // What remains of a run that was killed: the file without its program.
+            const QString file = folder() + "/unsaved-0.show";
+            const QByteArray survivor = contentOf(file);
+            window.reset();
+            QVERIFY(put(file, survivor));
+            auto store = std::make_unique<glow::RecoveryStore>(folder());
+            const auto show = store->findLeftover();
+            QVERIFY(show.has_value());
+            window.reset(new MainWindow);
+            keepIn(std::move(store));
+            window->setWindowTitle("Glowsmith - other.gsw3  "); // was given to this run
+            {
+                const SmallDisk disk(fullDisk ? 100 : SmallDisk::endless);
+                window->restoreShow(*show);
+                recovery->adoptLeftover();
+            }
+            QCOMPARE(window->asProject().tracks, before.tracks);
+            QVERIFY(window->currentFile == env->path("mine.gsw3") && window->hasFile == hasFile);
+            QCOMPARE(window->windowTitle(), QString(hasFile ? "Glowsmith - mine.gsw3 *" : "Glowsmith"));
+            QVERIFY(recovery->hasUnsaved());
+            QCOMPARE(keptFiles(), 1); // this run's own copy, or still the earlier one
+            QCOMPARE(QFile::exists(file), fullDisk);
+            QCOMPARE(contentOf(window->currentFile), QByteArray("the user's own"));
+            window->hasFile = true;
+            window->on_actionSave_triggered();
+            QCOMPARE(keptFiles(), 0);
+            cleanup();
         }
-        QCOMPARE(window->asProject().tracks, before.tracks);
-        QCOMPARE(window->currentFile, env->path("mine.gsw3"));
-        QCOMPARE(window->hasFile, hasFile);
-        QCOMPARE(window->windowTitle(), QString(hasFile ? "Glowsmith - mine.gsw3 *" : "Glowsmith"));
-        QVERIFY(recovery->hasUnsaved());
-        QCOMPARE(keptFiles(), 1); // this run's own copy, or still the earlier one
-        QCOMPARE(QFile::exists(file), fullDisk);
-        QCOMPARE(contentOf(window->currentFile), QByteArray("the user's own"));
-        window->hasFile = true;
-        window->on_actionSave_triggered();
-        QCOMPARE(keptFiles(), 0);
     }
 
     void failedSaveKeepsTheCopyAndTheMark()
     {
-        addColour();
+        add(patternBlob("1?#ff0000", 0));
         for (const bool full : {false, SmallDisk::works}) { // a place that cannot be opened is left without a word
             window->currentFile = env->path(full ? "mine.gsw3" : "no/such/folder.gsw3");
             window->setWindowTitle("Glowsmith - a.gsw3 *");
@@ -132,7 +123,7 @@ private slots:
                 driver.answerBox(QMessageBox::Ok);
             }
             QCOMPARE(kept(), 1);
-            const SmallDisk disk(full ? 100 : std::numeric_limits<quint64>::max());
+            const SmallDisk disk(full ? 100 : SmallDisk::endless);
             window->on_actionSave_triggered();
             QVERIFY(driver.done() && recovery->hasUnsaved());
             QCOMPARE(kept(), 1);
@@ -144,7 +135,7 @@ private slots:
     void closingDecides()
     {
         for (const bool save : {true, false}) {
-            addColour();
+            add(patternBlob("1?#ff0000", 0));
             QVERIFY(save || kept() == 1);
             window->hasFile = false;
             window->show();
@@ -167,11 +158,6 @@ private:
     {
         recovery = window->keepUnsaved(std::move(store));
         recovery->timer.stop();
-    }
-    void addColour()
-    {
-        window->ui->Mode_Pic->setCurrentIndex(1);
-        window->on_Add_Button_clicked();
     }
     int keptFiles() const { return QDir(folder()).entryList({"*.show"}, QDir::Files).size(); }
     // Has the window looked at now, and tells how many shows lie in the folder then.

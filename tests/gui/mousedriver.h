@@ -92,9 +92,9 @@ public:
     // Whether the last step of a drag is the Escape key instead of a release.
     bool escapes = false;
 
-    void click(QWidget *widget, const QPoint &pos, Qt::MouseButton button = Qt::LeftButton)
+    void click(QWidget *widget, const QPoint &pos)
     {
-        QTest::mouseClick(window->windowHandle(), button, Qt::NoModifier, inWindow(widget, pos));
+        QTest::mouseClick(window->windowHandle(), Qt::LeftButton, Qt::NoModifier, inWindow(widget, pos));
     }
 
     // Clicks with the right button and picks the entry of the menu that opens; an empty text closes it. Returns the

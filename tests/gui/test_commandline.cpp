@@ -1,18 +1,13 @@
 // The command line against the window: what both export is the same, byte for byte; and each command as a user calls
 // it.
 #include "show/model/projectfile.h"
-#include "support/dialogdriver.h"
-#include "support/samples.h"
 #include "support/windowtest.h"
-#include "ui_mainwindow.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QPainter>
 #include <QProcess>
 #include <QRandomGenerator>
-#include <QtTest>
 
 class TestCommandLine : public WindowTest
 {
@@ -34,26 +29,18 @@ private:
 
     QString save(const QVector<QVector<QByteArray>> &tracks, qint16 leds = 36, float rate = 1000)
     {
-        glow::Project project;
-        project.ledCount = leds;
-        project.frameRate = rate;
-        project.tracks = tracks;
         const QString path = env->path("show.gsw3");
-        return put(path, glow::writeProject(project)) ? path : QString();
+        return put(path, glow::writeProject({leds, rate, "null", tracks})) ? path : QString();
     }
 
     // A colour, or the picture of a source file.
     static QByteArray pattern(int startMs, int endMs, const QString &source = QString(), int repeats = 2, int speed = 0)
     {
-        const QColor colour(startMs % 256, endMs % 256, 77);
         const QString settings = source.isEmpty() ? "1?#ff0000" : "0?1?" + source + "?0|0|0";
-        glow::PatternRecord record = glow::readPattern(patternBlob(settings, 0, 1, colour));
-        // Set apart: the difference of foreign times can be beyond an int.
+        const QColor colour(startMs % 256, endMs % 256, 77);
+        glow::PatternRecord record = glow::readPattern(patternBlob(settings, 0, 500, colour, repeats, speed));
         record.startTime = QTime::fromMSecsSinceStartOfDay(startMs); // also beyond a day, as foreign projects have it
         record.endTime = QTime::fromMSecsSinceStartOfDay(endMs);
-        QPainter(&record.thumbnail).fillRect(20, 40, 20, 45, QColor(endMs % 256, 77, startMs % 256));
-        record.repeatCount = repeats;
-        record.speedValue = speed;
         return glow::writePattern(record);
     }
 
@@ -70,7 +57,7 @@ private slots:
         const auto number = [&random](int below) { return int(random.bounded(below)); };
         const QVector<QPair<qint16, float>> props{{36, 1333}, {70, 2100}, {120, 1800}};
         const QVector<int> shifts{0, glow::msPerDay - 1500, 3 * glow::msPerDay};
-        for (int round = 0; round < 18; ++round) {
+        for (int round = 0; round < 9; ++round) {
             QVector<QVector<QByteArray>> tracks(1 + number(3));
             for (QVector<QByteArray> &track : tracks) {
                 for (int patterns = 1 + number(6); patterns > 0; --patterns) {
@@ -122,24 +109,19 @@ private slots:
                  2100);
         QCOMPARE(run({"info", path, "--json"}), 0);
         const QJsonObject facts = json();
-        QCOMPARE(facts.value("leds").toInt(), 80);
-        QCOMPARE(facts.value("prop").toString(), QString("Brevon Max-80LED"));
-        QVERIFY(facts.value("song").isNull());
-        QCOMPARE(facts.value("lostPictures").toInt(), 2);
-        const QJsonObject second = facts.value("tracks").toArray().at(1).toArray().at(1).toObject();
-        QCOMPARE(second.value("startMs").toInt(), 2100);
-        QCOMPARE(second.value("kind").toString(), QString("colour"));
+        const QJsonObject second = facts["tracks"].toArray().at(1).toArray().at(1).toObject();
+        QCOMPARE(QJsonArray({facts["leds"], facts["prop"], facts["song"], facts["lostPictures"], second["startMs"],
+                             second["kind"]}),
+                 QJsonArray({80, "Brevon Max-80LED", QJsonValue(), 2, 2100, "colour"}));
 
         const QString png = env->path("show.png");
         QCOMPARE(run({"show", path, "-o", png}), 0);
         QVERIFY(QImage(png).width() > 2000); // a column of the prop a pixel
         QCOMPARE(run({"check", path, "--json"}), 1);
-        QStringList kinds;
-        const QJsonArray findings = json().value("findings").toArray();
-        for (const QJsonValue &finding : findings)
+        QSet<QString> kinds;
+        for (const QJsonValue &finding : json().value("findings").toArray())
             kinds << finding.toObject().value("kind").toString();
-        kinds.sort();
-        QCOMPARE(kinds, QStringList({"gap", "overlap", "short-colour"}));
+        QCOMPARE(kinds, QSet<QString>({"gap", "overlap", "short-colour"}));
         QCOMPARE(run({"check", save({{pattern(1000, 2000, lost), pattern(2000, 3000, lost)}})}), 0);
 
         // Foreign times can lie farther apart than an int reaches.

