@@ -2,6 +2,7 @@
 #include "show/image/binfile.h"
 #include "show/image/devicedecode.h"
 #include "show/image/deviceimage.h"
+#include "show/image/showpicture.h"
 #include "support/pixels.h"
 
 #include <QBuffer>
@@ -203,6 +204,10 @@ private slots:
         QVERIFY(imageOf(show).data.startsWith(QByteArray::fromHex("FFF52502F52502FE")));
         QVERIFY(imageOf(show).data.endsWith(QByteArray::fromHex("FEF52502F52502FF")));
 
+        show = tinyShow({pictureAt(0, 1000, 1, painted(1, 2, [](int, int y) { return y == 0 ? green : blue; }))});
+        const QImage drawn = glow::drawShow(imageOf(show).decoded()); // four pixels a LED
+        QVERIFY(qGreen(drawn.pixel(240, 1)) > 250 && qBlue(drawn.pixel(240, 6)) > 250);
+
         show = tinyShow();
         show.ledCount = 300; // 0x12C
         show.slot = 8;
@@ -316,5 +321,5 @@ private slots:
     }
 };
 
-QTEST_GUILESS_MAIN(TestImage)
+QTEST_MAIN(TestImage)
 #include "test_image.moc"

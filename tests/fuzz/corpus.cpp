@@ -3,44 +3,26 @@
 #include "show/image/binfile.h"
 #include "show/image/deviceimage.h"
 #include "show/image/projectshow.h"
-#include "show/model/patternrecord.h"
 #include "show/model/projectfile.h"
-#include "show/model/settingstext.h"
+#include "support/samples.h"
 
 #include <QBuffer>
-#include <QPixmap>
 
 namespace fuzz {
 
 namespace {
 
+// A pattern of each kind, in the order of their numbers.
 QByteArray pattern(int kind, int start, int end, int speed = 0)
 {
-    glow::PatternRecord record;
-    record.thumbnail = QPixmap(9, 85);
-    record.thumbnail.fill(QColor(200, 40 * kind, 10));
-    record.startTime = glow::timeOf(start);
-    record.endTime = glow::timeOf(end);
-    record.solidColor = kind == glow::ColourPattern ? QColor(1, 2, 3) : QColor();
-    record.repeatCount = 3;
-    record.patternKind = kind;
-    record.speedValue = speed;
-    const QStringList settings = {
-        glow::composeSettings(glow::PictureSettings{QStringLiteral("/gone/a.png"), 20, true, false}, 2),
-        glow::composeSettings(glow::ColourSettings{QColor(1, 2, 3)}, 1),
-        glow::composeSettings(glow::TextSettings{Qt::red, Qt::black, QStringLiteral("abc 光"), 0, 2, 30, false, true},
-                              1),
-        glow::composeSettings(glow::EffectSettings{5, Qt::green, Qt::blue, 60, 1, false, false}, 4)};
-    record.settingsText = settings.value(kind);
-    return glow::writePattern(record);
+    const char *const settings[] = {"0?2?/gone/a.png?20|1|0", "1?#010203", "2?1?#ff0000|#000000|abc 光|0|2?30|0|1",
+                                    "3?4?#00ff00|#0000ff|5|1|60?0|1|0"};
+    return patternBlob(settings[kind], start, end - start, QColor(200, 40 * kind, 10), 3, speed);
 }
 
-glow::Project project(int tracks, const QString &song = QStringLiteral("null"))
+glow::Project project(int tracks, const QString &song = "null")
 {
-    glow::Project show;
-    show.ledCount = 36;
-    show.frameRate = 600;
-    show.songPath = song;
+    glow::Project show{36, 600, song, {}};
     for (int track = 0; track < tracks; ++track) {
         QVector<QByteArray> blobs;
         for (int kind = 0; kind < 4 && track != 1; ++kind) {
@@ -60,9 +42,9 @@ QByteArray bin(int leds, bool loop)
     QBuffer data;
     QBuffer header;
     QBuffer out;
-    data.open(QIODevice::ReadWrite);
-    header.open(QIODevice::ReadWrite);
-    out.open(QIODevice::WriteOnly);
+    for (QBuffer *buffer : {&data, &header, &out}) {
+        buffer->open(QIODevice::ReadWrite);
+    }
     glow::ShowOptions options;
     options.loop = loop;
     glow::writeDeviceImage(glow::showOfTrack(source, 0, options), data, header);
@@ -83,7 +65,7 @@ const QByteArray oldShow = "80><1600\n"
 QMap<QString, QByteArray> corpus(const QString &target)
 {
     const auto show = [](int tracks) { return glow::writeProject(project(tracks)); };
-    const QByteArray song = glow::writeProject(project(1, QStringLiteral("/gone/song.mp3")));
+    const QByteArray song = glow::writeProject(project(1, "/gone/song.mp3"));
     const QByteArray newForm(1, '\0'); // the first byte tells the window the form
     const QMap<QString, QMap<QString, QByteArray>> all{
         {"project", {{"empty", show(0)}, {"one", show(1)}, {"three", show(3)}, {"song", song}}},

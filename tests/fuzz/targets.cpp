@@ -10,11 +10,11 @@
 #include "show/image/showpicture.h"
 #include "show/model/missingpictures.h"
 #include "show/model/oldproject.h"
-#include "show/model/patternrecord.h"
 #include "show/model/projectfile.h"
 #include "show/model/repeatrules.h"
 #include "show/model/settingstext.h"
 #include "show/wire/portscan.h"
+#include "support/samples.h"
 #include "support/windowcheck.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineitem.h"
@@ -24,7 +24,6 @@
 #include <QApplication>
 #include <QBuffer>
 #include <QDialog>
-#include <QFile>
 #include <QTemporaryDir>
 #include <QTextDocument>
 #include <QTimer>
@@ -97,10 +96,7 @@ void runBlob(const QByteArray &bytes)
     glow::withPicturePath(text, QStringLiteral("a.png"));
     promise(glow::withoutSeparators(text).count(u'?') == 0, "no separator is left");
 
-    glow::DeviceShow show;
-    show.ledCount = show.ledsShown = 36;
-    show.rateShown = 600;
-    show.frameRate = 600.0F;
+    glow::DeviceShow show{36, 600.0F, 36, 600};
     show.patterns = {glow::showPattern(record)};
     exportImage(show);
     glow::retime(record, record.endTime, record.startTime, 80, 1600.0F);
@@ -158,11 +154,8 @@ void runWindow(const QByteArray &bytes)
     }
     static auto *window = new MainWindow;
     const bool isNew = bytes.isEmpty() || bytes.at(0) % 2 == 0;
-    const QString path = dir.filePath(isNew ? QStringLiteral("a.gsw3") : QStringLiteral("a.gsw"));
-    QFile file(path);
-    promise(file.open(QIODevice::WriteOnly) && file.write(bytes.mid(1)) == bytes.size() - 1 + int(bytes.isEmpty()),
-            "the file is written");
-    file.close();
+    const QString path = dir.filePath(isNew ? "a.gsw3" : "a.gsw");
+    promise(put(path, bytes.mid(1)), "the file is written");
     window->LoadFile(path);
     promise(whatIsWrong(*window).isEmpty(), "the window is in order");
     const auto items = window->currentTimeline->items;
@@ -186,12 +179,11 @@ const Target targets[] = {
 
 const Target *target(const QString &name)
 {
-    for (const Target *one = targets; one->name != nullptr; ++one) {
-        if (name == QLatin1String(one->name)) {
-            return one;
-        }
+    const Target *one = targets;
+    while (one->name != nullptr && name != one->name) {
+        ++one;
     }
-    return nullptr;
+    return one->name != nullptr ? one : nullptr;
 }
 
 } // namespace fuzz
