@@ -96,7 +96,7 @@ void runBlob(const QByteArray &bytes)
     glow::withPicturePath(text, QStringLiteral("a.png"));
     promise(glow::withoutSeparators(text).count(u'?') == 0, "no separator is left");
 
-    glow::DeviceShow show{36, 600.0F, 36, 600};
+    glow::DeviceShow show{36, 600.0F, 36, 600, 1, true, 0, {}};
     show.patterns = {glow::showPattern(record)};
     exportImage(show);
     glow::retime(record, record.endTime, record.startTime, 80, 1600.0F);

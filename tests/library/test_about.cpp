@@ -76,6 +76,7 @@ private slots:
         // Without a status nobody listens, "endless" is a body without an end. The title of what is asked: "current"
         // where there is no newer version, nothing where the check failed.
         using Case = std::tuple<QByteArray, QByteArray, QString>;
+        const int before = about::unansweredChecks(); // those of dialogs that were gone first
         for (const auto &[body, status, title] : {Case{"3.104", "200 OK", "current"},
                                                   {"\n9.9", "200 OK", "current"},
                                                   {"3.1041\nnote", "200 OK", "有更新 最新版為ver3.1041\n"},
@@ -100,7 +101,8 @@ private slots:
             QTRY_COMPARE_WITH_TIMEOUT(driver.boxes().size(), current ? 0 : 1, 30000);
             QTRY_COMPARE_WITH_TIMEOUT(dialog.ui->pushButton_3->text(),
                                       QString(current ? "已是最新版本" : "檢查更新..."), 30000);
-            QVERIFY(driver.done() && dialog.isVisible() && about::unansweredChecks() == 0);
+            QTRY_VERIFY_WITH_TIMEOUT(driver.done() && about::unansweredChecks() == before, 30000);
+            QVERIFY(dialog.isVisible());
             QVERIFY(status.isEmpty() || server->requests == QByteArrayList{"GET /version HTTP/1.1"});
             const DialogDriver::Box box = driver.boxes().value(0);
             QCOMPARE(box.title, current ? QString() : title);

@@ -4,12 +4,8 @@
 #include "show/model/propvalues.h"
 #include "support/pixels.h"
 #include "support/windowtest.h"
-#include "timeline/timeline.h"
-#include "timeline/timelineitem.h"
-#include "ui_mainwindow.h"
 
 #include <QScreen>
-#include <QtTest>
 
 class TestPreview : public WindowTest
 {

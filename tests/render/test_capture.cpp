@@ -1,16 +1,13 @@
 // The screen capture tool, used with the mouse as a user would. Runs a second time at a scale factor of 2.
 #include "render/desktopgrab.h"
 #include "render/screencapture.h"
-#include "support/dialogdriver.h"
 #include "support/pixels.h"
 #include "support/windowtest.h"
-#include "ui_mainwindow.h"
 #include "ui_screencapture.h"
 
 #include <QLabel>
 #include <QScreen>
 #include <QWindow>
-#include <QtTest>
 
 class TestCapture : public WindowTest
 {

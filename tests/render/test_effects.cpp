@@ -5,6 +5,7 @@
 #include <QPainter>
 #include <QTest>
 
+using glow::effectImage;
 using glow::EffectSettings;
 
 namespace {
@@ -13,11 +14,6 @@ EffectSettings settingsOf(int row, int mode, int width, const QColor &front = QC
                           const QColor &back = QColor(10, 20, 30))
 {
     return {row, front, back, width, mode, true, false}; // flipped as it is drawn
-}
-
-QImage drawn(const EffectSettings &settings)
-{
-    return glow::effectImage(settings);
 }
 
 } // namespace
@@ -37,7 +33,7 @@ private slots:
                 const int width = 1 + (row + mode) % 3 * 9 / 2; // 1, 5, 10
                 painter.drawImage(
                     300 * mode, 150 * row,
-                    drawn({row, QColor(201, 33, 120), QColor(17, 60, 101), width, mode, mode == 1, mode == 2}));
+                    effectImage({row, QColor(201, 33, 120), QColor(17, 60, 101), width, mode, mode == 1, mode == 2}));
             }
         }
         QCOMPARE(unlikeGolden(sheet, "effects.png"), QString());
@@ -47,15 +43,16 @@ private slots:
     void exactColours()
     {
         // A mean is truncated: 0.5, 1.5 and 128.5.
-        QCOMPARE(drawn(settingsOf(glow::JumpEffect, 0, 5, QColor(0, 1, 2), QColor(1, 2, 255))).pixelColor(150, 75),
-                 QColor(0, 1, 128));
+        QCOMPARE(
+            effectImage(settingsOf(glow::JumpEffect, 0, 5, QColor(0, 1, 2), QColor(1, 2, 255))).pixelColor(150, 75),
+            QColor(0, 1, 128));
         // Equal channels of 0 are the hues 0, 119 and 238.
-        const QImage bars = drawn(settingsOf(glow::JumpEffect, 1, 5, Qt::black));
+        const QImage bars = effectImage(settingsOf(glow::JumpEffect, 1, 5, Qt::black));
         QCOMPARE(bars.pixelColor(99, 0), QColor(255, 0, 0));
         QCOMPARE(bars.pixel(100, 0), QColor::fromHsv(119, 255, 255).rgb());
         QCOMPARE(bars.pixel(200, 0), QColor::fromHsv(238, 255, 255).rgb());
         // A tail's first strip is opaque. Width 1 has two, alpha 255 and 128: 200 * 128 / 255 + 10 * 127 / 255 is 105.4
-        const QImage flash = drawn(settingsOf(glow::FlashEffect, 0, 1));
+        const QImage flash = effectImage(settingsOf(glow::FlashEffect, 0, 1));
         QCOMPARE(flash.pixelColor(61, 70), QColor(200, 100, 50));
         QCOMPARE(flash.pixelColor(63, 70), QColor(105, 60, 40));
     }
@@ -63,16 +60,16 @@ private slots:
     void foreignValues()
     {
         for (const int row : {-1, 14, -2147483647}) {
-            QCOMPARE(drawn(settingsOf(row, 1, 5)), painted(300, 150, [](int, int) { return qRgb(10, 20, 30); }));
+            QCOMPARE(effectImage(settingsOf(row, 1, 5)), painted(300, 150, [](int, int) { return qRgb(10, 20, 30); }));
         }
         for (int row = 0; row < glow::EffectRowCount; ++row) {
-            QCOMPARE(drawn(settingsOf(row, 7, 0)), drawn(settingsOf(row, 0, 1)));
-            QCOMPARE(drawn(settingsOf(row, 2, 1000000)), drawn(settingsOf(row, 2, 10)));
+            QCOMPARE(effectImage(settingsOf(row, 7, 0)), effectImage(settingsOf(row, 0, 1)));
+            QCOMPARE(effectImage(settingsOf(row, 2, 1000000)), effectImage(settingsOf(row, 2, 10)));
             // Colours that a foreign settings text can bring: none at all counts as black, a translucent one stays so.
-            QCOMPARE(drawn(settingsOf(row, 2, 5, QColor(), QColor())),
-                     drawn(settingsOf(row, 2, 5, Qt::black, Qt::black)));
+            QCOMPARE(effectImage(settingsOf(row, 2, 5, QColor(), QColor())),
+                     effectImage(settingsOf(row, 2, 5, Qt::black, Qt::black)));
         }
-        QCOMPARE(drawn(settingsOf(-1, 0, 5, Qt::red, QColor(255, 0, 0, 0))).pixelColor(5, 5).alpha(), 0);
+        QCOMPARE(effectImage(settingsOf(-1, 0, 5, Qt::red, QColor(255, 0, 0, 0))).pixelColor(5, 5).alpha(), 0);
     }
 };
 

@@ -28,16 +28,6 @@ QImage quarters(int width, int height)
     return painted(width, height, [&](int x, int y) { return colours[(y >= height / 2) * 2 + (x >= width / 2)]; });
 }
 
-PictureResult rendered(const QImage &picture, int leds, int gap = 0, bool flipH = false, bool flipV = false)
-{
-    return glow::renderPicture(picture, {flipH, flipV, gap, leds});
-}
-
-TextResult written(const QString &words, int sizeIndex = 9, int slide = 5, bool flipH = false, bool flipV = false)
-{
-    return glow::renderText({words, QFont().family(), fore, back, sizeIndex, slide, flipH, flipV});
-}
-
 // Bounds of all that is not the back colour.
 QRect inked(const QImage &image)
 {
@@ -194,6 +184,15 @@ private slots:
     }
 
 private:
+    static PictureResult rendered(const QImage &picture, int leds, int gap = 0, bool flipH = false, bool flipV = false)
+    {
+        return glow::renderPicture(picture, {flipH, flipV, gap, leds});
+    }
+    static TextResult written(const QString &words, int size = 9, int slide = 5, bool flipH = false, bool flipV = false)
+    {
+        return glow::renderText({words, QFont().family(), fore, back, size, slide, flipH, flipV});
+    }
+
     QTemporaryDir dir;
 };
 

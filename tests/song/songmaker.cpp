@@ -1,8 +1,8 @@
 #include "song/songmaker.h"
 
+#include "support/samples.h"
+
 #include <QDataStream>
-#include <QFile>
-#include <QVector>
 #include <QtEndian>
 
 #include <cmath>
@@ -11,10 +11,9 @@ namespace songs {
 
 namespace {
 
-const double pi = std::acos(-1.0);
-
 qint16 sampleAt(double seconds)
 {
+    const double pi = std::acos(-1.0);
     const double second = std::round(seconds);
     const double away = seconds - second;
     const double tone = 0.002 * std::sin(2 * pi * 60 * seconds);
@@ -27,32 +26,24 @@ qint16 sampleAt(double seconds)
 void writeWav(const QString &path, const Song &song)
 {
     const auto frames = static_cast<int>(static_cast<qint64>(song.rate) * song.ms / 1000);
-    QVector<qint16> samples(frames * song.channels);
-    for (int i = 0; i < samples.size(); ++i) {
-        const int second = song.rate * song.channels;
-        samples[i] = i < 2 * second ? qToLittleEndian(sampleAt(static_cast<double>(i / song.channels) / song.rate))
-                                    : samples.at(i - second);
-    }
     const auto frameBytes = static_cast<quint16>(2 * song.channels);
-    const auto dataBytes = static_cast<quint32>(frames * frameBytes);
+    const auto size = static_cast<quint32>(frames * frameBytes);
+    const auto word = [](const char *letters) { return qFromLittleEndian<quint32>(letters); };
     QByteArray bytes;
     QDataStream out(&bytes, QIODevice::WriteOnly);
     out.setByteOrder(QDataStream::LittleEndian);
-    out.writeRawData("RIFF", 4);
-    out << 36 + dataBytes;
-    out.writeRawData("WAVEfmt ", 8);
-    out << quint32(16) << quint16(1) << quint16(song.channels) << quint32(song.rate) << quint32(song.rate * frameBytes)
-        << frameBytes << quint16(16);
-    out.writeRawData("data", 4);
-    out << dataBytes;
-    out.writeRawData(reinterpret_cast<const char *>(samples.constData()), int(dataBytes));
-    writeBytes(path, bytes);
-}
-
-void writeBytes(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size()) {
+    out << word("RIFF") << 36 + size << word("WAVE") << word("fmt ") << quint32(16) << quint16(1)
+        << quint16(song.channels) << quint32(song.rate) << quint32(song.rate * frameBytes) << frameBytes << quint16(16)
+        << word("data") << size;
+    for (int i = 0; i < frames * song.channels && i < 2 * song.rate * song.channels; ++i) {
+        out << sampleAt(static_cast<double>(i / song.channels) / song.rate);
+    }
+    // From the first second on all seconds are alike.
+    const int second = song.rate * frameBytes;
+    while (bytes.size() < 44 + frames * frameBytes) {
+        bytes += bytes.mid(bytes.size() - second, 44 + frames * frameBytes - bytes.size());
+    }
+    if (!put(path, bytes)) {
         qFatal("cannot write a test song");
     }
 }

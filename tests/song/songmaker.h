@@ -21,7 +21,4 @@ struct Song
 // and, for the one with a table of contents, "xingmux" before the last step.
 void writeWav(const QString &path, const Song &song);
 
-// A file of any bytes.
-void writeBytes(const QString &path, const QByteArray &bytes);
-
 } // namespace songs

@@ -4,16 +4,11 @@
 #include "song/chartview.h"
 #include "song/mytime.h"
 #include "song/songmaker.h"
-#include "support/dialogdriver.h"
 #include "support/windowtest.h"
-#include "timeline/indicator.h"
-#include "timeline/timelineheaders.h"
-#include "ui_mainwindow.h"
 
 #include <QProgressDialog>
 #include <QPushButton>
 #include <QtCharts/QValueAxis>
-#include <QtTest>
 
 class TestSongLoad : public WindowTest
 {
@@ -198,10 +193,9 @@ private slots:
         QByteArray noise(50000, '\0');
         for (int i = 0; i < noise.size(); ++i)
             noise[i] = static_cast<char>((static_cast<quint32>(i) * 2654435761U) >> 13);
-        songs::writeBytes(env->path("empty.mp3"), {});
-        songs::writeBytes(env->path("noise.mp3"), noise);
-        songs::writeBytes(env->path("half.wav"), QByteArray("RIFF\x24\x10\x00\x00WAVEfmt ", 16));
-        QVERIFY(QImage(300, 200, QImage::Format_RGB32).save(env->path("picture.mp3"), "png"));
+        QVERIFY(put(env->path("empty.mp3")) && put(env->path("noise.mp3"), noise) &&
+                put(env->path("half.wav"), QByteArray("RIFF\x24\x10\x00\x00WAVEfmt ", 16)) &&
+                QImage(300, 200, QImage::Format_RGB32).save(env->path("picture.mp3"), "png"));
         DialogDriver driver;
         const QString dir = env->path() + "/";
         for (const QString &path : {dir + "empty.mp3", dir + "noise.mp3", dir + "half.wav", dir + "picture.mp3",

@@ -19,15 +19,12 @@ inline QString unlikeGolden(const QImage &picture, const QString &name, int few 
         return picture.save(path, nullptr, 0) ? QString() : QStringLiteral("cannot write ") + path;
     }
     const QImage kept(path);
-    if (kept.size() != picture.size()) {
-        return QStringLiteral("%1 is %2 wide, not %3").arg(name).arg(kept.width()).arg(picture.width());
-    }
-    QRect where;
-    int off = 0;
-    for (int i = 0; i < kept.width() * kept.height(); ++i) {
+    int off = !kept.isNull() && kept.size() == picture.size() ? 0 : few + 1;
+    QPoint last;
+    for (int i = 0; off <= few && i < kept.width() * kept.height(); ++i) {
         const QPoint at(i % kept.width(), i / kept.width());
         if (distance(kept.pixel(at), picture.pixel(at)) > step) {
-            where |= QRect(at, at);
+            last = at;
             ++off;
         }
     }
@@ -36,12 +33,5 @@ inline QString unlikeGolden(const QImage &picture, const QString &name, int few 
     }
     const QString seen = QDir::temp().filePath(name);
     picture.save(seen);
-    return QStringLiteral("%1: %2 pixels off between %3, %4 and %5, %6; drawn now: %7")
-        .arg(name)
-        .arg(off)
-        .arg(where.left())
-        .arg(where.top())
-        .arg(where.right())
-        .arg(where.bottom())
-        .arg(seen);
+    return QStringLiteral("%1 differs, also at %2, %3; now: %4").arg(name).arg(last.x()).arg(last.y()).arg(seen);
 }
