@@ -119,7 +119,8 @@ void MainWindow::setUpGroups()
     languageGroup = new QActionGroup(this);
     gadgetGroup = new QActionGroup(this); // filled with the catalogue's rows by buildGadgetMenu
     chipGroup = new QActionGroup(this);
-    fill(*languageGroup, {ui->actionChinese, ui->actionEnglish}); // in the order of AppSettings::Language
+    fill(*languageGroup,
+         {ui->actionChinese, ui->actionEnglish, ui->actionCompleteEnglish}); // in the order of AppSettings::Language
 }
 
 void MainWindow::setUpHistory()

@@ -150,6 +150,7 @@ public slots:
     void LoadFile(QString path);
     void on_actionChinese_triggered();
     void on_actionEnglish_triggered();
+    void on_actionCompleteEnglish_triggered();
     void addQuit();
     void loadPresets();
 

@@ -93,6 +93,12 @@ void MainWindow::on_actionEnglish_triggered()
     AppSettings().setValue(AppSettings::languageKey, AppSettings::English);
 }
 
+void MainWindow::on_actionCompleteEnglish_triggered()
+{
+    QMessageBox::about(this, QString(), QStringLiteral("Change after restart."));
+    AppSettings().setValue(AppSettings::languageKey, AppSettings::CompleteEnglish);
+}
+
 void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 {
     if (event->mimeData()->hasFormat(QStringLiteral("text/uri-list"))) {

@@ -5,18 +5,16 @@
 #include "forms/style.h"
 #include "library/about.h"
 #include "show/base/appsettings.h"
+#include "show/base/languages.h"
 #include "show/base/programversion.h"
 #include "show/base/resources.h"
 
 #include <QApplication>
 #include <QByteArray>
 #include <QIcon>
-#include <QLibraryInfo>
-#include <QLocale>
 #include <QMessageBox>
 #include <QScreen>
 #include <QStyle>
-#include <QTranslator>
 
 #include <cstdio>
 #include <cstdlib>
@@ -30,34 +28,19 @@ namespace {
 // The catalogue row that a first start chooses.
 constexpr int firstGadget = 3;
 
-// The texts of Qt's own dialogs and buttons, in Chinese. Where Qt's translations are not installed they stay English.
-void installQtTexts(QTranslator &translator)
-{
-    const QString name = QStringLiteral("qtbase_zh_TW");
-    if (translator.load(name, QLibraryInfo::location(QLibraryInfo::TranslationsPath)) ||
-        translator.load(name, QCoreApplication::applicationDirPath() + QStringLiteral("/translations"))) {
-        QCoreApplication::installTranslator(&translator);
-    }
-}
-
-void chooseLanguage(QTranslator &translator, QTranslator &qtTexts)
+// True at the first start of all.
+bool chooseLanguage(Languages &languages)
 {
     AppSettings settings;
     settings.setValue(AppSettings::versionKey, programVersion);
     const int language = settings.value(AppSettings::languageKey, AppSettings::NeverChosen).toInt();
-    if (language == AppSettings::NeverChosen) {
+    const bool firstStart = language == AppSettings::NeverChosen;
+    if (firstStart) {
         settings.setValue(AppSettings::languageKey, AppSettings::Chinese);
         settings.setValue(AppSettings::gadgetKey, firstGadget);
-        installQtTexts(qtTexts);
-        return;
     }
-    if (language == AppSettings::Chinese) {
-        QLocale::setDefault(QLocale(QLocale::Chinese, QLocale::AnyCountry));
-        installQtTexts(qtTexts);
-    } else if (language == AppSettings::English) {
-        translator.load(QStringLiteral(":/language/language/english.qm"));
-    }
-    QCoreApplication::installTranslator(&translator);
+    languages.speak(language);
+    return firstStart;
 }
 
 // The size, or what of it the screen has room for: it can have become smaller since.
@@ -120,9 +103,8 @@ QByteArray answerTo(const QByteArray &argument)
 
 int runProgram()
 {
-    QTranslator qtTexts;
-    QTranslator translator;
-    chooseLanguage(translator, qtTexts);
+    Languages languages;
+    const bool firstStart = chooseLanguage(languages);
     const QIcon icon(QStringLiteral(":/appicon.ico"));
     QApplication::setWindowIcon(icon); // of every dialog
     QString project;
@@ -130,6 +112,12 @@ int runProgram()
         // Gone before the window stands: an answer of the update server that comes later interrupts nobody's work.
         about start;
         start.setWindowIcon(icon);
+        if (firstStart && Languages::systemIsForeign()) {
+            start.offerEnglish([&languages] {
+                AppSettings().setValue(AppSettings::languageKey, AppSettings::CompleteEnglish);
+                languages.speak(AppSettings::CompleteEnglish);
+            });
+        }
         if (start.exec() != 0) {
             return 0;
         }

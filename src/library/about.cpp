@@ -58,8 +58,7 @@ about::about(QWidget *parent)
 {
     ui->setupUi(this);
     glow::applyStyle(this);
-    glow::addHints(this);
-    ui->label_3->setText(QStringLiteral("Glowsmith ver") + QString::number(appVersion));
+    showTexts();
     on_pushButton_3_clicked();
     const QString last = AppSettings().value(AppSettings::projectKey, QStringLiteral("null")).toString();
     if (last != QLatin1String("null")) {
@@ -68,6 +67,32 @@ about::about(QWidget *parent)
     } else {
         ui->load_current->hide();
     }
+}
+
+void about::showTexts()
+{
+    glow::addHints(this);
+    ui->label_3->setText(QStringLiteral("Glowsmith ver") + QString::number(appVersion));
+}
+
+void about::offerEnglish(const std::function<void()> &speakEnglish)
+{
+    auto *line = new QPushButton(QStringLiteral("English"), this);
+    line->setObjectName(QStringLiteral("choose_english"));
+    line->setFlat(true);
+    line->setAutoDefault(false);
+    line->setToolTip(QStringLiteral("Use the program in English"));
+    ui->horizontalLayout_51->insertWidget(ui->horizontalLayout_51->indexOf(ui->pushButton_3), line);
+    setTabOrder(ui->pushButton_3, line);
+    connect(line, &QPushButton::clicked, this, [this, line, speakEnglish] {
+        speakEnglish();
+        ui->pushButton->setToolTip(QString()); // hints of their old names
+        ui->pushButton_2->setToolTip(QString());
+        ui->retranslateUi(this);
+        showTexts();
+        line->hide();
+        ui->pushButton0->setFocus();
+    });
 }
 
 about::~about()

@@ -7,6 +7,8 @@
 #include <QString>
 #include <QVector>
 
+#include <functional>
+
 class QNetworkAccessManager;
 
 namespace Ui {
@@ -26,6 +28,9 @@ public:
 
     // The dialog with nothing to open in it, until it is closed.
     static void showAsAboutBox();
+
+    // A small line beside the version that calls this and shows the dialog's own texts anew; then it goes away.
+    void offerEnglish(const std::function<void()> &speakEnglish);
 
     QString loadPath; // the project that was chosen; empty when a new show is wanted. Read it after exec()
     QNetworkAccessManager *networkManager = nullptr; // of the latest check
@@ -51,6 +56,8 @@ public slots:
     void on_load_current_clicked();
 
 private:
+    void showTexts();
+
     QVector<QNetworkAccessManager *> managers; // one for each check; the older ones may still be waiting
     static int unanswered;
 };

@@ -64,8 +64,9 @@ void work(MainWindow &window, DialogDriver &driver, const QString &word, QTimer 
              << (word == "add" || word == "wait" ? "waits" : "") << Qt::flush;
 }
 
-// Runs inside the child, from the moment that the application object stands. The script's words: the button that ends
-// the start dialog, or "update" for a Yes to its question; the answer to the offer of an unsaved show, "yes", "no" or
+// Runs inside the child, from the moment that the application object stands. The script's words: the buttons that are
+// clicked in the start dialog, or "update" for a Yes to its question; the answer to the offer of an unsaved show,
+// "yes", "no" or
 // "-" where none may come; and what is done then.
 void startScript()
 {
@@ -86,7 +87,9 @@ void startScript()
     auto *driver = new DialogDriver(qApp);
     driver->answerWith([words](QDialog *dialog) {
         report() << (shownWindow() == nullptr ? "start dialog, " : "early window, ");
-        dialog->findChild<QPushButton *>(words.at(0))->click();
+        for (const QString &button : words.at(0).split('+')) {
+            dialog->findChild<QPushButton *>(button)->click();
+        }
     });
     if (words.at(1) != "-") {
         driver->answerBox(words.at(1) == "yes" ? QMessageBox::Yes : QMessageBox::No);
@@ -129,6 +132,15 @@ private slots:
         QCOMPARE(env->value("main/version").toString(), QString("3.104"));
         QCOMPARE(env->value("main/language").toInt(), 1);
         QCOMPARE(env->value("main/gadget").toInt(), 3);
+    }
+
+    // A line of the start dialog, where the system does not speak Chinese.
+    void firstStartMayTurnEnglish()
+    {
+        QSettings("Vantorel", "Glowsmith").clear();
+        const QString told = run("choose_english+pushButton0 - close");
+        QVERIFY2(told.contains("menu=File gadget=3 language=2 "), qPrintable(told));
+        QCOMPARE(env->value("main/language").toInt(), 3);
     }
 
     void projectOfTheCommandLineIsSavedAtTheEnd()

@@ -1,12 +1,12 @@
 // glowsmith-cli: shows without a window.
 #include "cli.h"
 
+#include "show/base/languages.h"
 #include "show/base/programversion.h"
 #include "show/base/resources.h"
 
 #include <QGuiApplication>
 #include <QLoggingCategory>
-#include <QTranslator>
 
 namespace {
 
@@ -67,9 +67,8 @@ int main(int argc, char *argv[])
     QCoreApplication::setApplicationName(QStringLiteral("glowsmith-cli"));
     glow::initResources();
     // The commands speak English, and so must what they pass on of an upload.
-    QTranslator english;
-    english.load(QStringLiteral(":/language/language/english.qm"));
-    QCoreApplication::installTranslator(&english);
+    glow::Languages languages;
+    languages.speak(AppSettings::CompleteEnglish);
 
     return runLine(QCoreApplication::arguments().mid(1));
 }

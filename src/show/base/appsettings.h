@@ -20,5 +20,5 @@ public:
     static inline const QString sizeKey = QStringLiteral("window/size");            // QSize, at the last close
     static inline const QString maximizedKey = QStringLiteral("window/maximize");   // bool, at the last close
 
-    enum Language { Chinese = 1, English = 2, NeverChosen = 99 };
+    enum Language { Chinese = 1, English = 2, CompleteEnglish = 3, NeverChosen = 99 };
 };
