@@ -34,10 +34,10 @@ QPixmap busyPicture(int seed)
     return QPixmap::fromImage(image);
 }
 
-QVector<QByteArray> manyPatterns(int count)
+QVector<QByteArray> manyPatterns(int count, int first = 0)
 {
     QVector<QByteArray> blobs;
-    for (int i = 0; i < count; ++i) {
+    for (int i = first; i < first + count; ++i) {
         glow::PatternRecord record;
         record.thumbnail = busyPicture(i);
         record.startTime = glow::timeOf(i * 600);
@@ -84,6 +84,60 @@ void measureOpening(MainWindow &window, const QVector<QByteArray> &blobs, QVecto
     });
     rows.append({QStringLiteral("Opening 500 patterns; floor: decoding and encoding their PNGs"), opening, floor, 1.5,
                  QString()});
+}
+
+// What happens in one place, in a show of so many patterns on ten tracks, each with another picture.
+struct InOnePlace
+{
+    double offering = 0; // milliseconds
+    double undoing = 0;
+};
+
+InOnePlace measureInOnePlace(MainWindow &window, int patterns)
+{
+    glow::Project project;
+    project.ledCount = 80;
+    project.frameRate = 2100.0F;
+    for (int track = 0; track < 10; ++track) {
+        project.tracks.append(manyPatterns(patterns / 10, track * patterns / 10));
+    }
+    QFile file(QStringLiteral("large.gsw3"));
+    file.open(QIODevice::WriteOnly);
+    file.write(glow::writeProject(project));
+    file.close();
+    window.LoadFile(QStringLiteral("large.gsw3"));
+    settle();
+    InOnePlace result;
+    constexpr int offers = 100;
+    result.offering = bench::median(20,
+                                    [&window] {
+                                        for (int i = 0; i < offers; ++i) {
+                                            window.updateStatus();
+                                        }
+                                    }) /
+                      offers;
+    TimelineItem *changed = window.currentTimeline->items.first();
+    changed->setTimes(changed->startTime, changed->endTime.addMSecs(10));
+    window.updateStatus();
+    result.undoing = bench::median(20,
+                                   [&window] {
+                                       window.on_actionUndo_triggered();
+                                       window.updateStatus();
+                                       window.on_actionRedo_triggered();
+                                       window.updateStatus();
+                                   }) /
+                     2;
+    return result;
+}
+
+void measureLargeShow(MainWindow &window, QVector<bench::Row> &rows)
+{
+    const InOnePlace small = measureInOnePlace(window, 500);
+    const InOnePlace large = measureInOnePlace(window, 5000);
+    rows.append({QStringLiteral("Offering an unchanged show of 5000 patterns on ten tracks; floor: of 500"),
+                 large.offering, small.offering, 2, QString()});
+    rows.append({QStringLiteral("An undo or redo that changes one of 5000 patterns; floor: of 500"), large.undoing,
+                 small.undoing, 2, QString()});
 }
 
 } // namespace
@@ -141,4 +195,6 @@ void bench::edit(QVector<Row> &rows)
     window.ui->Mode_last->setValue(0.2);
     const double adding = median(20, [&window] { window.on_Add_Button_clicked(); });
     rows.append({QStringLiteral("Adding a pattern to a show of 500"), adding, 0, 20, QString()});
+
+    measureLargeShow(window, rows);
 }

@@ -18,8 +18,9 @@ class EditHistory
 public:
     // Tracks to items to blobs. Pointers are the identity across snapshots, so nothing may destroy a track or an item
     // that a snapshot can name; what destroys tracks clears the history in the same step. Blobs are shared with the
-    // items. What no snapshot names any more, stands on no track and is not held otherwise (isHeld) is destroyed, or a
-    // long evening's removed patterns would pile up.
+    // items, and a track that has not changed is shared between snapshots: a step costs what the changed tracks hold,
+    // not what the show holds. What no snapshot names any more, stands on no track and is not held otherwise (isHeld)
+    // is destroyed, or a long evening's removed patterns would pile up.
     using TrackSnapshot = QMap<TimelineItem *, QByteArray>;
     using Snapshot = QMap<Timeline *, TrackSnapshot>;
 
@@ -45,10 +46,22 @@ public:
     bool step(bool back, const QList<Timeline *> &tracks);
 
 private:
+    // What a track held when it was last looked at.
+    struct Present
+    {
+        quint64 revision = 0;   // of the track
+        bool placed = false;    // every item that the track lists also stands on it
+        TrackSnapshot patterns; // shared with the snapshots that hold the same
+    };
+
+    Present &presentOf(Timeline *track);
+    bool isAt(Timeline *track, const TrackSnapshot &held);
+    bool hasChanged(Timeline *track, const Snapshot &old);
     void append(Snapshot *snapshot);
-    void drop(Snapshot *snapshot);
+    void drop(Snapshot *snapshot, const Snapshot *neighbour);
     void destroyForgotten();
 
-    QHash<const TimelineItem *, int> uses;   // in how many snapshots and tracks of theirs an item is named
+    QHash<const Timeline *, Present> looked;
+    QHash<const TimelineItem *, int> uses; // how often an item is named; what neighbouring snapshots share counts once
     QVector<QPointer<TimelineItem>> dropped; // were named by snapshots that are gone, and by no other
 };

@@ -54,7 +54,7 @@ bool waitForBuffer(const QAudioDecoder &decoder)
     return decoder.bufferAvailable();
 }
 
-// The length of a song that was decoded to its end, as 32 bits. A back end that could not tell it reports -1; then it
+// The length of a song that was decoded to its end, as 32 bits. A back end that does not know it reports -1; then it
 // is what the points make.
 int songLengthMs(const QAudioDecoder &decoder, int pointCount)
 {

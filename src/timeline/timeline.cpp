@@ -19,6 +19,7 @@
 #include <QPainter>
 
 #include <algorithm>
+#include <optional>
 
 namespace {
 
@@ -71,6 +72,7 @@ Timeline::Timeline(TimelineHeaders *parent)
     , headers(parent)
     , readyBand(new QWidget(this))
 {
+    touch();
     setAcceptDrops(true);
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     setFixedHeight(trackHeight);
@@ -78,6 +80,21 @@ Timeline::Timeline(TimelineHeaders *parent)
     setMouseTracking(true);
     readyBand->setStyleSheet(QStringLiteral("background-color: rgba(255, 0, 0, 0.5);"));
     readyBand->hide();
+}
+
+void Timeline::touch()
+{
+    static quint64 last = 0;
+    revision = ++last;
+}
+
+// The item is about to come here or to go from here, and it can stand on another track than the one that lists it.
+void Timeline::touchHolder(const TimelineItem *item)
+{
+    touch();
+    if (auto *holder = qobject_cast<Timeline *>(item->parentWidget())) {
+        holder->touch();
+    }
 }
 
 TimelineItem *Timeline::itemAt(int x) const
@@ -157,6 +174,9 @@ void Timeline::sortItems()
             item->setPlace(edit.times);
         }
     }
+    if (sorted.order.size() != before.size()) {
+        touch();
+    }
     items.clear();
     for (const int position : sorted.order) {
         items.append(before.at(position));
@@ -172,6 +192,7 @@ void Timeline::deleteTimelineItem(TimelineItem *item)
 
 void Timeline::releaseItem(TimelineItem *item)
 {
+    touchHolder(item);
     items.removeOne(item);
     // Qt would hand the focus to any widget of the window, and keys held for the wheel would go there.
     if (item->hasFocus()) {
@@ -186,6 +207,7 @@ void Timeline::releaseItem(TimelineItem *item)
 void Timeline::addTimelineItem(TimelineItem *item)
 {
     qDebug() << this << "add" << item;
+    touchHolder(item);
     items.append(item);
     item->setParent(this);
     connect(item, &TimelineItem::itemDeleted, this, &Timeline::deleteTimelineItem);
@@ -225,9 +247,10 @@ void Timeline::on_itemDragEnd(const QByteArray &orig, TimelineItem *item, QWidge
     sortItems();
     const int id = items.indexOf(item);
     qDebug() << "id current" << id;
+    const std::optional<int> position = id < 0 ? std::nullopt : std::make_optional(id);
 
     const QList<TimelineItem *> before = items;
-    const auto edits = glow::settleSpans(spansOf(before), id, glow::spanOf(*item));
+    const auto edits = glow::settleSpans(spansOf(before), position, glow::spanOf(*item));
     for (const glow::SpanEdit &edit : edits) {
         TimelineItem *other = before.at(edit.index);
         switch (edit.kind) {

@@ -22,8 +22,10 @@ public:
     int grabOffset = 0;                 // x of the mouse inside the dragged item at the press
     int rightLimit = 0;                 // neighbours of the dragged item, in track pixels
     int leftLimit = 0;
-    int grabItemX = 0;            // x of the dragged item at the press
-    bool isCurrent = false;       // true on exactly one track
+    int grabItemX = 0;      // x of the dragged item at the press
+    bool isCurrent = false; // true on exactly one track
+    quint64 revision = 0;   // another number, never used before, whenever the track's patterns or one of their blobs
+                            // have changed; the order of the patterns does not count
     QWidget *readyBand = nullptr; // where a new pattern would land
 
     // The pattern at x in the track's upper part, the topmost one if several lie there, or null: other children (the
@@ -32,6 +34,9 @@ public:
 
     // The pattern that counts as being under a play-head at x.
     TimelineItem *itemUnderHead(int x) const { return itemAt(x + 1); }
+
+    // To be called with every change that revision tells of.
+    void touch();
 
     // A new pattern from a blob (see patternrecord.h), added to this track where its times say.
     TimelineItem *place(const QByteArray &blob);
@@ -92,6 +97,7 @@ protected:
 private:
     void pressed(QMouseEvent *e, const QWidget *source);
     void releaseItem(TimelineItem *item);
+    void touchHolder(const TimelineItem *item);
     void splitItem(TimelineItem *item, const QTime &restStart);
     void findNeighbours();
     void showTimesAt(const QPoint &pos, const QString &edgeText, const QTime &edge);

@@ -6,6 +6,7 @@
 #include "show/model/timescale.h"
 #include "timeline/dragformat.h"
 #include "timeline/gesture.h"
+#include "timeline/timeline.h"
 
 #include <QDrag>
 #include <QGuiApplication>
@@ -56,6 +57,9 @@ void TimelineItem::updateData()
     writtenThumbnail = glow::overwritePattern(itemData, *this, known ? writtenThumbnail : 0);
     writtenKey = thumbnail.cacheKey();
     written = itemData;
+    if (auto *track = qobject_cast<Timeline *>(parentWidget())) {
+        track->touch();
+    }
 
     const QString start = glow::timeText(startTime);
     const QString end = glow::timeText(endTime);

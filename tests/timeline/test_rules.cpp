@@ -61,7 +61,7 @@ private slots:
 
     void settlingTouchesOnlyWhatIsMet()
     {
-        const std::tuple<Spans, int, Span, const char *> table[] = {
+        const std::tuple<Spans, std::optional<int>, Span, const char *> table[] = {
             {{{0, 100}, {100, 200}, {200, 300}}, 1, {100, 200}, ""},
             {{{0, 150}, {100, 250}, {200, 300}}, 1, {100, 250}, "2 250-300, 0 0-100"},
             {{{100, 400}, {150, 200}, {250, 400}, {390, 500}, {600, 700}}, 0, {100, 400}, "1 gone, 2 gone, 3 400-500"},
@@ -73,7 +73,7 @@ private slots:
             {{{0, 400}, {300, 400}}, 1, {300, 400}, "0 0-300"}, // with an equal end nothing is left behind
             {{{0, 400}, {200, 200}}, 1, {200, 200}, "0 0-200 200-400"},
             // A pattern that sorting removed is on no list: all others count as standing behind it.
-            {{{0, 100}, {50, 150}, {120, 300}, {400, 500}}, -1, {60, 150}, "0 gone, 1 gone, 2 150-300"},
+            {{{0, 100}, {50, 150}, {120, 300}, {400, 500}}, {}, {60, 150}, "0 gone, 1 gone, 2 150-300"},
         };
         for (const auto &[sorted, moved, place, edits] : table)
             QCOMPARE(asText(glow::settleSpans(sorted, moved, place)), QString(edits));

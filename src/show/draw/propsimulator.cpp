@@ -52,7 +52,7 @@ int wedgeAngle(int spinSpeed, qint64 step)
 
 int previewColumns(double seconds, int repeats)
 {
-    // Far above 24 hours; beyond it lie only foreign values.
+    // Far above 24 hours; beyond it lie only values from damaged files.
     constexpr double mostColumns = 2.0e9;
     const double perRepeat = seconds * 1000.0 / std::max(repeats, 1);
     if (!(perRepeat > 0.0 && perRepeat < mostColumns)) {

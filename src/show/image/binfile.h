@@ -16,8 +16,8 @@ namespace glow {
 
 constexpr int binChunkBytes = 256;
 
-// Packs a device image, both parts opened for reading, into out. progress, when given, hears a percentage (0 to 99)
-// before each chunk. No failure is reported: a part that cannot be read counts as empty.
+// Packs a device image, both parts opened for reading, into out. progress, when given, is called with a percentage (0
+// to 99) before each chunk. No failure is reported: a part that cannot be read counts as empty.
 void writeBin(QIODevice &header, QIODevice &frameData, QIODevice &out, const std::function<void(int)> &progress = {});
 
 } // namespace glow

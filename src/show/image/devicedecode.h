@@ -46,7 +46,7 @@ public:
     bool headerDone() const { return state != State::Header && state != State::Failed; }
     // Bytes that belong to the header, as far as it has come.
     qint64 headerBytes() const { return headerSize; }
-    // All entries are there. A loop tail may still follow; only the end of the data tells that it does not.
+    // All entries are there. A loop tail may still follow; only the end of the data shows that it does not.
     bool complete() const { return state == State::Tail || state == State::Ended; }
     bool failed() const { return state == State::Failed; }
 

@@ -96,8 +96,9 @@ QVector<ImageEntry> planImage(const DeviceShow &show);
 // The show header with its track byte.
 QByteArray imageHeader(const DeviceShow &show, const QVector<ImageEntry> &entries);
 
-// Writes both parts. progress, when given, hears a percentage (0 to 98) before each pattern and 0 at the end. What the
-// devices do with the bytes is not looked at, so a full disk passes unnoticed; a device that is not open is left alone.
+// Writes both parts. progress, when given, is called with a percentage (0 to 98) before each pattern and 0 at the end.
+// What the devices do with the bytes is not looked at, so a full disk passes unnoticed; a device that is not open is
+// left alone.
 ImageSummary writeDeviceImage(const DeviceShow &show, QIODevice &frameData, QIODevice &header,
                               const std::function<void(int)> &progress = {});
 

@@ -1,4 +1,4 @@
-// The fixed bytes of the device image, shared by its writer and its reader; where they stand is told in deviceimage.h.
+// The fixed bytes of the device image, shared by its writer and its reader; deviceimage.h says where they stand.
 #pragma once
 
 #include <QByteArray>

@@ -34,10 +34,11 @@ SortedSpans sortSpans(const QVector<Span> &spans)
     return result;
 }
 
-QVector<SpanEdit> settleSpans(const QVector<Span> &sorted, int moved, Span place)
+QVector<SpanEdit> settleSpans(const QVector<Span> &sorted, std::optional<int> moved, Span place)
 {
     QVector<SpanEdit> edits;
-    for (int i = moved + 1; i < sorted.size(); ++i) {
+    const int before = moved.value_or(0); // so many stand before it
+    for (int i = moved ? before + 1 : 0; i < sorted.size(); ++i) {
         const Span other = sorted.at(i);
         if (other.end <= place.end) {
             edits.append({SpanEdit::Remove, i, {}, {}});
@@ -45,7 +46,7 @@ QVector<SpanEdit> settleSpans(const QVector<Span> &sorted, int moved, Span place
             edits.append({SpanEdit::SetTimes, i, {place.end, other.end}, {}});
         }
     }
-    for (int i = 0; i < moved; ++i) {
+    for (int i = 0; i < before; ++i) {
         const Span other = sorted.at(i);
         if (other.end > place.end) {
             edits.append({SpanEdit::Split, i, {other.start, place.start}, {place.end, other.end}});

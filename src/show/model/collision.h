@@ -4,6 +4,8 @@
 
 #include <QVector>
 
+#include <optional>
+
 namespace glow {
 
 // The place of a pattern on its track in milliseconds. Nothing keeps an end from lying before its start.
@@ -41,8 +43,8 @@ struct SortedSpans
 SortedSpans sortSpans(const QVector<Span> &spans);
 
 // The pass after a pattern was placed, on a list in start-time order: what the pattern touches is trimmed, removed or
-// split in two. moved is its position, or -1 if sorting has removed the pattern itself; all others then count as
+// split in two. moved is its position, or nothing if sorting has removed the pattern itself; all others then count as
 // standing behind it. place is where it stands.
-QVector<SpanEdit> settleSpans(const QVector<Span> &sorted, int moved, Span place);
+QVector<SpanEdit> settleSpans(const QVector<Span> &sorted, std::optional<int> moved, Span place);
 
 } // namespace glow

@@ -16,7 +16,7 @@ struct DragHeader
 
 QByteArray writeDragHeader(const DragHeader &header);
 
-// Foreign bytes read as zeros and an empty id.
+// Bytes of another origin read as zeros and an empty id.
 DragHeader readDragHeader(const QByteArray &bytes);
 
 } // namespace glow

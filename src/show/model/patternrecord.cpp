@@ -9,7 +9,7 @@ namespace glow {
 
 namespace {
 
-// No pattern's thumbnail comes near this: 85 rows of 600000 columns. A header that claims more is foreign.
+// No pattern's thumbnail comes near this: 85 rows of 600000 columns. A header that claims more is damaged.
 constexpr qint64 largestThumbnail = 51000000;
 
 QPixmap readThumbnail(QDataStream &stream)
@@ -59,7 +59,7 @@ QColor readColour(QDataStream &stream)
 
 int durationMs(const PatternRecord &record)
 {
-    // Foreign bytes hold times whose difference is beyond an int.
+    // Untrusted bytes can hold times whose difference is beyond an int.
     return static_cast<int>(static_cast<uint>(msOf(record.endTime)) - static_cast<uint>(msOf(record.startTime)));
 }
 

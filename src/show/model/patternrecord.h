@@ -35,7 +35,7 @@ struct PatternRecord
     QTime endTime;          // on the track
     QColor solidColor;      // only for a colour pattern, invalid in the other kinds
     qint32 repeatCount = 0; // how often the thumbnail is laid across the duration
-    qint32 patternKind = 0; // PatternKind; foreign values are kept as they are
+    qint32 patternKind = 0; // PatternKind; unknown values are kept as they are
     qint32 speedValue = 0;  // 0: repeatCount is fixed; above 0: the speed slider's value that repeatCount follows
     QString settingsText;   // all that the editor needs to rebuild the pattern (see settingstext.h)
 };
@@ -50,12 +50,12 @@ void retime(PatternRecord &record, const QTime &start, const QTime &end, int led
 Span spanOf(const PatternRecord &record);
 
 // Gives a pattern the place that a collision rule found for it. A bound that stays where it is keeps its very value, so
-// that a null time stays one. Any other is that of another pattern, foreign times beyond a day included: nothing wraps.
+// that a null time stays one. Any other is that of another pattern, times beyond a day included: nothing wraps.
 void applySpan(PatternRecord &record, Span place, int leds, float rate);
 
-// Reads the eight fields without any check: what a short or foreign blob does not hold comes out as nulls, zeros and
+// Reads the eight fields without any check: what a short or damaged blob does not hold comes out as nulls, zeros and
 // empty strings. A thumbnail whose header claims a size beyond what any pattern has is not decoded and stays null, so
-// foreign bytes cannot ask for absurd memory.
+// untrusted bytes cannot ask for absurd memory.
 PatternRecord readPattern(const QByteArray &blob);
 
 // Writes the eight fields over the bytes of blob from the start and returns how many bytes the thumbnail takes. When

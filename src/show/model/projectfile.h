@@ -33,7 +33,7 @@ struct Project
 // The shortest blob that holds a pattern: one with a null picture and a null text.
 constexpr int shortestPattern = 39;
 
-// Reads without any check, as the stream itself would: what a short or foreign file does not hold comes out as zeros,
+// Reads without any check, as the stream itself would: what a short or damaged file does not hold comes out as zeros,
 // nulls and empty blobs, and reading ends with the bytes. A length beyond the file's end takes what is left and yields
 // an empty value. Whatever lengths the bytes claim, they cost no more memory than a few times their size and a few
 // megabytes.

@@ -6,6 +6,9 @@ class QPixmap;
 
 namespace glow {
 
+// In all of this: speed is the slider's value, 2 to 18, higher is faster; rate and highRate are columns a second; width
+// is in columns.
+
 // Column rates strictly above this count as high.
 constexpr float highRate = 1500.0F;
 
