@@ -30,5 +30,6 @@ void device(QVector<Row> &rows);
 void render(QVector<Row> &rows);
 void edit(QVector<Row> &rows);
 void song(QVector<Row> &rows);
+void film(QVector<Row> &rows);
 
 } // namespace bench

@@ -1,5 +1,5 @@
 // Prints the table of all figures; ends with 1 if one exceeds its limit. A word on the command line measures only the
-// parts that begin with it: device, render, edit, song.
+// parts that begin with it: device, render, edit, song, film.
 #include "bench.h"
 
 #include "forms/style.h"
@@ -38,8 +38,11 @@ int main(int argc, char *argv[])
         const char *name;
         void (*measure)(QVector<bench::Row> &);
     };
-    const Part parts[] = {
-        {"device", bench::device}, {"render", bench::render}, {"edit", bench::edit}, {"song", bench::song}};
+    const Part parts[] = {{"device", bench::device},
+                          {"render", bench::render},
+                          {"edit", bench::edit},
+                          {"song", bench::song},
+                          {"film", bench::film}};
     QVector<bench::Row> rows;
     for (const Part &part : parts) {
         if (QLatin1String(part.name).startsWith(only)) {

@@ -4,8 +4,8 @@
 cd "${1:-$(dirname "$0")/..}" || exit 2
 find src tools -name '*.h' -o -name '*.cpp' | sort | xargs awk '
 function refuse(why) { printf "%s:%d: %s: %s\n", FILENAME, FNR, $0, why; bad = 1 }
-# The floors of src/show, from the ground up. wire stands beside draw and image.
-BEGIN { floor["base"] = 1; floor["model"] = 2; floor["draw"] = 3; floor["image"] = 4; floor["wire"] = 5 }
+# The floors of src/show, from the ground up. wire stands beside draw and image, and film beside wire.
+BEGIN { floor["base"] = 1; floor["model"] = 2; floor["draw"] = 3; floor["image"] = 4; floor["wire"] = 5; floor["film"] = 5 }
 FNR == 1 {
     split(FILENAME, path, "/")
     home = path[1] == "src" ? path[2] : path[1]
@@ -30,6 +30,7 @@ FNR == 1 {
     if (home == "show") {
         if (folder != "show") refuse("src/show includes itself only")
         else if (floor[part[2]] > floor[own]) refuse("upstairs within src/show")
+        else if (floor[part[2]] == floor[own] && part[2] != own) refuse("sideways within src/show")
     } else if (header == "app/mainwindow.h") {
         if (!ofWindow) refuse("the main window is known to its own mainwindow_*.cpp only")
     } else if (folder != home && folder != "show" && (folder != "forms" || home == "forms")) {

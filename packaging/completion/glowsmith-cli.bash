@@ -1,7 +1,7 @@
 # bash completion for glowsmith-cli
 _glowsmith_cli() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options=
-    local commands="info check export show relink pictures upload"
+    local commands="info check export show relink pictures upload film"
     if [ "$COMP_CWORD" -eq 1 ]; then
         mapfile -t COMPREPLY < <(compgen -W "$commands help --help --version" -- "$word")
         return
@@ -13,7 +13,8 @@ _glowsmith_cli() {
     case "$before" in
         --slot) mapfile -t COMPREPLY < <(compgen -W "1 2 3 4 5 6 7 8" -- "$word"); return ;;
         --pictures) mapfile -t COMPREPLY < <(compgen -d -- "$word"); return ;;
-        --track | --start-mark) return ;;
+        --track | --start-mark | --from | --to | --fps) return ;;
+        --size) mapfile -t COMPREPLY < <(compgen -W "1280x720 1920x1080 640x360 1080x1080" -- "$word"); return ;;
         --port) mapfile -t COMPREPLY < <(compgen -G "/dev/tty[AU]*" -- "$word"); return ;;
     esac
     local track="--track --slot --once --start-mark"
@@ -24,6 +25,7 @@ _glowsmith_cli() {
         relink) options="--pictures --help" ;;
         pictures) options="-o --help" ;;
         upload) options="$track --port --help" ;;
+        film) options="-o --track --all-tracks --from --to --size --fps --no-song --time-code --help" ;;
     esac
     case "$word" in
         -*) mapfile -t COMPREPLY < <(compgen -W "$options" -- "$word") ;;

@@ -175,7 +175,6 @@ void MainWindow::loadPresets()
 
 void MainWindow::addQuit()
 {
-    ui->menu->addSeparator();
     QAction *quit = ui->menu->addAction(glow::hint(QT_TRANSLATE_NOOP("Hints", "離開")), this, &QWidget::close);
     quit->setObjectName(QStringLiteral("actionQuit"));
     quit->setShortcut(QStringLiteral("Ctrl+Q"));

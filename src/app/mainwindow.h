@@ -111,6 +111,7 @@ public:
     QVector<glow::PatternRecord> sortedPatterns(); // the current track's patterns, put into start-time order first
     QStringList settingsTexts() const;             // of all patterns of all tracks
     void rewriteSettings(const std::function<QString(const QString &)> &rewrite); // of all patterns of all tracks
+    int trackNumber(const Timeline *track) const;                                 // of its label
     QTime headTime() const;                                                       // of the play-head
     void setHeadTime(const QTime &time);                                          // as the clock moves it
     int startMarkMs() const;           // show time of the start mark, 0 when none
@@ -255,6 +256,9 @@ public slots:
     void on_G_slide_valueChanged(int value);
     void on_B_slide_valueChanged(int value);
     void on_Color_View_clicked();
+
+    // render/mainwindow_film.cpp
+    void on_actionFilm_triggered();
 
     // render/mainwindow_effect.cpp
     void on_Spe_comboBox_currentIndexChanged(int index);

@@ -42,6 +42,11 @@ void MainWindow::addTimeline(short index)
     renumberTracks();
 }
 
+int MainWindow::trackNumber(const Timeline *track) const
+{
+    return track->rowLabel->text().toInt();
+}
+
 void MainWindow::renumberTracks()
 {
     // The labels of removed tracks stay behind in their layout; those that count stand at their tracks' places. The tab

@@ -128,6 +128,11 @@ QString Call::value(const char *option) const
     return parser.value(QLatin1String(option));
 }
 
+ExitCode Call::misuse(const QString &how) const
+{
+    return misused(command, how);
+}
+
 std::optional<int> Call::number(const char *option, int least, int most) const
 {
     bool isNumber = false;

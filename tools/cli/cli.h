@@ -55,6 +55,8 @@ public:
     QString value(const char *option) const;
     // Nothing, after a complaint, if the option holds anything but a number within the bounds.
     std::optional<int> number(const char *option, int least, int most) const;
+    // Complains of how the command was called.
+    ExitCode misuse(const QString &how) const;
 
 private:
     const Command &command;
@@ -68,6 +70,7 @@ ExitCode drawPicture(const Call &call);
 ExitCode relink(const Call &call);
 ExitCode gatherPictures(const Call &call);
 ExitCode upload(const Call &call, const glow::DeviceShow &show);
+ExitCode film(const Call &call);
 
 // Shared by the commands.
 
@@ -92,5 +95,8 @@ ExitCode withShow(const Call &call, ExitCode (*run)(const Call &call, const glow
 
 // The options that say which track is made into a device image, and how.
 QList<QCommandLineOption> trackOptions();
+
+// What a film is to be, but for its file.
+QList<QCommandLineOption> filmOptions();
 
 } // namespace cli

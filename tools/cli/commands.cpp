@@ -70,6 +70,11 @@ QVector<Command> commands()
          "upload show.gsw3 --port /dev/ttyACM0", project, aProject,
          trackOptions() + valued("port", "The only port to try.", "NAME"), "",
          [](const Call &call) { return withShow(call, upload); }},
+        {"film", "make a film of the spinning prop with the song under it",
+         "Makes a film of the spinning prop with the song under it. Needs ffmpeg, except for a .png.",
+         "film show.gsw3 -o show.mp4 --all-tracks --from 1:30 --to 2:00", project, aProject,
+         filmOptions() + output("The film to write: .mp4, .webm, .gif, or .png for one frame.", "FILM"), "output",
+         film},
     };
 }
 

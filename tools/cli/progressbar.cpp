@@ -2,7 +2,6 @@
 
 #include "terminal.h"
 
-#include <QString>
 #include <QTextStream>
 #include <QtGlobal>
 
@@ -10,7 +9,7 @@
 
 namespace cli {
 
-void ProgressBar::show(int percent)
+void ProgressBar::show(int percent, const QString &word)
 {
     constexpr int width = 40;
     percent = qBound(0, percent, 100);
@@ -18,7 +17,8 @@ void ProgressBar::show(int percent)
         return;
     }
     const int filled = percent * width / 100;
-    QTextStream(stderr) << "\r[" << QString(filled, u'#') << QString(width - filled, u' ') << "] " << percent << "%";
+    QTextStream(stderr) << "\r[" << QString(filled, u'#') << QString(width - filled, u' ') << "] " << percent << "%"
+                        << word;
     drawn = percent;
 }
 

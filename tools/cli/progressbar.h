@@ -2,6 +2,8 @@
 // terminal nothing is drawn.
 #pragma once
 
+#include <QString>
+
 namespace cli {
 
 class ProgressBar
@@ -9,7 +11,8 @@ class ProgressBar
 public:
     ~ProgressBar() { end(); }
 
-    void show(int percent); // 0 to 100
+    // 0 to 100, and a word behind it, which is drawn anew with the percentage.
+    void show(int percent, const QString &word = QString());
 
     // Ends the line, so that the next thing said begins a new one. The bar can begin again afterwards.
     void end();

@@ -331,6 +331,14 @@ The file is as it was. Please save under another name.</translation>
         <source>圖庫匯出完成</source>
         <translation>export finish</translation>
     </message>
+    <message>
+        <source>輸出影片...</source>
+        <translation>Export film...</translation>
+    </message>
+    <message>
+        <source>將光舞輸出為道具旋轉的影片</source>
+        <translation>A film of the spinning prop with the song under it</translation>
+    </message>
 </context>
 <context>
     <name>Timeline</name>
@@ -680,6 +688,176 @@ The file is as it was. Please save under another name.</translation>
     <message>
         <source>離開</source>
         <translation>Quit</translation>
+    </message>
+</context>
+<context>
+    <name>Film</name>
+    <message>
+        <source>%1：檔名須以 .mp4、.webm、.gif 或 .png 結尾</source>
+        <translation>%1: the name must end in .mp4, .webm, .gif or .png</translation>
+    </message>
+    <message>
+        <source>畫面的寬與高須為 %1 到 %2 的偶數</source>
+        <translation>width and height must be even numbers from %1 to %2</translation>
+    </message>
+    <message>
+        <source>每秒畫面數須為 1 到 %1</source>
+        <translation>frames a second must be from 1 to %1</translation>
+    </message>
+    <message>
+        <source>.gif 每秒最多 %1 個畫面</source>
+        <translation>a .gif has at most %1 frames a second</translation>
+    </message>
+    <message>
+        <source>沒有軌道 %1</source>
+        <translation>there is no track %1</translation>
+    </message>
+    <message>
+        <source>軌道 %1 沒有圖樣</source>
+        <translation>track %1 holds no pattern</translation>
+    </message>
+    <message>
+        <source>所有軌道都沒有圖樣</source>
+        <translation>no track holds a pattern</translation>
+    </message>
+    <message>
+        <source>道具的 LED 數為 0</source>
+        <translation>the prop has no LEDs</translation>
+    </message>
+    <message>
+        <source>畫面太小，放不下所有軌道</source>
+        <translation>the frame is too small for all the tracks</translation>
+    </message>
+    <message>
+        <source>影片的開始須早於結束 %1</source>
+        <translation>the film must begin before its end at %1</translation>
+    </message>
+    <message>
+        <source>影片的開始須早於光舞的結束 %1</source>
+        <translation>the film must begin before the show ends at %1</translation>
+    </message>
+    <message>
+        <source>影片長 %1，最多為 %2 分鐘，請選擇其中一段</source>
+        <translation>the film would last %1, and %2 minutes at most are made: choose a part of the show</translation>
+    </message>
+    <message>
+        <source>影片長 %1，.gif 最多為 %2 秒，請選擇其中一段</source>
+        <translation>the film would last %1, and a .gif has at most %2 seconds: choose a part of the show</translation>
+    </message>
+    <message>
+        <source>找不到 ffmpeg，請安裝套件 ffmpeg (sudo apt install ffmpeg)</source>
+        <translation>ffmpeg is not there: install the package ffmpeg (sudo apt install ffmpeg)</translation>
+    </message>
+    <message>
+        <source>%1 不是一般檔案</source>
+        <translation>%1 is no regular file</translation>
+    </message>
+    <message>
+        <source>無法寫入 %1</source>
+        <translation>%1 cannot be written</translation>
+    </message>
+    <message>
+        <source>%1 正由另一個輸出寫入</source>
+        <translation>%1 is being written by another export</translation>
+    </message>
+    <message>
+        <source>ffmpeg 未能完成影片，原有檔案未變動
+%1</source>
+        <translation>ffmpeg did not finish the film, an older file is unchanged
+%1</translation>
+    </message>
+    <message>
+        <source>無法寫入影片，原有檔案未變動
+%1</source>
+        <translation>the film cannot be written, an older file is unchanged
+%1</translation>
+    </message>
+    <message>
+        <source>已取消影片輸出</source>
+        <translation>the film was cancelled</translation>
+    </message>
+</context>
+<context>
+    <name>FilmDialog</name>
+    <message>
+        <source>輸出影片</source>
+        <translation>Export film</translation>
+    </message>
+    <message>
+        <source>影片畫面</source>
+        <translation>Frame of the film</translation>
+    </message>
+    <message>
+        <source>影片畫面的時間</source>
+        <translation>Time of the frame</translation>
+    </message>
+    <message>
+        <source>軌道</source>
+        <translation>Track</translation>
+    </message>
+    <message>
+        <source>畫面大小</source>
+        <translation>Size</translation>
+    </message>
+    <message>
+        <source>開始</source>
+        <translation>From</translation>
+    </message>
+    <message>
+        <source>結束</source>
+        <translation>To</translation>
+    </message>
+    <message>
+        <source>每秒畫面數</source>
+        <translation>Frames a second</translation>
+    </message>
+    <message>
+        <source>加入歌曲</source>
+        <translation>With the song</translation>
+    </message>
+    <message>
+        <source>顯示時間</source>
+        <translation>Show the time</translation>
+    </message>
+    <message>
+        <source>輸出...</source>
+        <translation>Export...</translation>
+    </message>
+    <message>
+        <source>取消</source>
+        <translation>Cancel</translation>
+    </message>
+    <message>
+        <source>全部</source>
+        <translation>All</translation>
+    </message>
+    <message>
+        <source>找不到歌曲 %1
+要輸出沒有聲音的影片嗎？</source>
+        <translation>The song %1 is gone.
+Make a film without sound?</translation>
+    </message>
+    <message>
+        <source>無法讀取歌曲 %1
+要輸出沒有聲音的影片嗎？</source>
+        <translation>The song %1 cannot be read.
+Make a film without sound?</translation>
+    </message>
+    <message>
+        <source>%1 已存在，是否取代？</source>
+        <translation>%1 exists. Replace it?</translation>
+    </message>
+    <message>
+        <source>輸出中，剩餘 %1</source>
+        <translation>Exporting, %1 left</translation>
+    </message>
+    <message>
+        <source>即將完成</source>
+        <translation>Nearly done</translation>
+    </message>
+    <message>
+        <source>影片已完成：%1</source>
+        <translation>The film is done: %1</translation>
     </message>
 </context>
 </TS>

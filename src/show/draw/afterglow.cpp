@@ -1,7 +1,6 @@
 #include "show/draw/afterglow.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 namespace glow {
@@ -9,23 +8,6 @@ namespace glow {
 namespace {
 
 constexpr double fullTurn = 65536.0;
-constexpr int tableBits = 12;
-constexpr int tableSize = 1 << tableBits;
-
-// Opacity along the circle, counted counter-clockwise from the bar.
-std::array<quint32, tableSize> opacities(int speed)
-{
-    constexpr double atBar = 250.0;
-    const double reach = std::clamp(std::abs(speed), 1, 10) / 10.0;
-    std::array<quint32, tableSize> table{};
-    for (int i = 0; i < tableSize; ++i) {
-        const double place = (i + 0.5) / tableSize;
-        const double behind = speed > 0 ? place : 1.0 - place;
-        table.at(i) = static_cast<quint32>(std::lround(std::max(0.0, atBar * (1.0 - behind / reach))));
-    }
-    return table;
-}
-
 // All four channels times opacity / 255, rounded; two channels at once.
 QRgb faded(QRgb pixel, quint32 opacity)
 {
@@ -59,18 +41,42 @@ void Afterglow::buildAngles(const QSize &size, const QPointF &centre)
     }
 }
 
+void Afterglow::buildOpacities(int speed)
+{
+    if (speed == tableSpeed) {
+        return;
+    }
+    tableSpeed = speed;
+    constexpr double atBar = 250.0;
+    const double reach = std::clamp(std::abs(speed), 1, 10) / 10.0;
+    for (std::size_t i = 0; i < opacities.size(); ++i) {
+        const double place = (static_cast<double>(i) + 0.5) / static_cast<double>(opacities.size());
+        const double behind = speed > 0 ? place : 1.0 - place;
+        opacities.at(i) = static_cast<quint32>(std::lround(std::max(0.0, atBar * (1.0 - behind / reach))));
+    }
+}
+
+void Afterglow::prepare(const QSize &size, const QPointF &centre, qint64 degrees, int speed)
+{
+    buildAngles(size, centre);
+    buildOpacities(speed);
+    bar = static_cast<quint16>(std::lround(static_cast<double>(degrees % 360) / 360.0 * fullTurn));
+}
+
+void Afterglow::fadeRow(int y, QRgb *row, int from, int to) const
+{
+    const quint16 *angle = angles.constData() + static_cast<qptrdiff>(y) * anglesSize.width() + from;
+    for (QRgb *pixel = row + from, *end = row + to; pixel < end; ++pixel, ++angle) {
+        const auto behind = static_cast<quint16>(0U - *angle - bar);
+        *pixel = faded(*pixel, opacities[behind >> (16 - tableBits)]);
+    }
+}
+
 void Afterglow::apply(QImage &picture, const QPointF &centre, qint64 degrees, int speed)
 {
-    buildAngles(picture.size(), centre);
-    const std::array<quint32, tableSize> table = opacities(speed);
-    const auto bar = static_cast<quint16>(std::lround(static_cast<double>(degrees % 360) / 360.0 * fullTurn));
-    const quint16 *angle = angles.constBegin();
+    prepare(picture.size(), centre, degrees, speed);
     for (int y = 0; y < picture.height(); ++y) {
-        auto *pixel = reinterpret_cast<QRgb *>(picture.scanLine(y));
-        for (const QRgb *end = pixel + picture.width(); pixel != end; ++pixel, ++angle) {
-            const auto behind = static_cast<quint16>(0U - *angle - bar);
-            *pixel = faded(*pixel, table[behind >> (16 - tableBits)]);
-        }
+        fadeRow(y, reinterpret_cast<QRgb *>(picture.scanLine(y)), 0, picture.width());
     }
 }
 

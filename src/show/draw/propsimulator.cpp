@@ -6,8 +6,10 @@
 #include <QDebug>
 #include <QPainter>
 #include <QPen>
+#include <QRect>
 
 #include <algorithm>
+#include <cmath>
 #include <cstdlib>
 
 namespace glow {
@@ -39,6 +41,23 @@ void drawWedge(QPainter &painter, const QRadialGradient &gradient, int angle)
 {
     painter.setBrush(gradient);
     painter.drawPie(discLeft, discLeft, discDiameter, discDiameter, angle, wedge);
+}
+
+// The columns that the unsmoothed scaling of an image picks: asked of the scaling itself, which rounds in its own way.
+QVector<int> nearestColumns(int side)
+{
+    QImage numbered(imageSize, imageSize, QImage::Format_ARGB32_Premultiplied);
+    for (int y = 0; y < imageSize; ++y) {
+        for (int x = 0; x < imageSize; ++x) {
+            numbered.setPixel(x, y, 0xff000000U | static_cast<QRgb>(x));
+        }
+    }
+    const QImage scaled = numbered.scaledToHeight(side, Qt::FastTransformation);
+    QVector<int> columns(side);
+    for (int x = 0; x < side; ++x) {
+        columns[x] = static_cast<int>(scaled.pixel(x, 0) & 0xffffU);
+    }
+    return columns;
 }
 
 // The product is a 32-bit one that wraps, negated the same way.
@@ -102,8 +121,15 @@ void PropSimulator::showPicture(const QImage &picture, qint16 leds, double secon
             wideRows = leds;
         }
     }
+    setColumnPace(1, 1);
     stepOrigin = stepCount;
     stepClock = QTime::currentTime();
+}
+
+void PropSimulator::setColumnPace(qint64 columns, qint64 steps)
+{
+    paceColumns = columns;
+    paceSteps = steps;
 }
 
 QRgb PropSimulator::pixelAt(qint64 column, int row) const
@@ -132,7 +158,7 @@ qint64 PropSimulator::columnAt(qint64 step) const
     if (width == 0) {
         return 0;
     }
-    const qint64 column = (step - stepOrigin) % width;
+    const qint64 column = (step - stepOrigin) * paceColumns / paceSteps % width;
     return column < 0 ? column + width : column;
 }
 
@@ -195,7 +221,14 @@ void PropSimulator::drawStripColumn(QPainter &painter, qint64 column) const
 
 void PropSimulator::runSteps(int elapsedMs)
 {
-    const int steps = previewSteps(elapsedMs);
+    advance(previewSteps(elapsedMs));
+}
+
+void PropSimulator::advance(int steps)
+{
+    if (steps <= 0) {
+        return;
+    }
     if (spinSpeed != 0) {
         QPainter painter(&discImage);
         painter.setPen(Qt::NoPen);
@@ -241,34 +274,37 @@ void PropSimulator::resetImages()
     stepClock = QTime::currentTime();
 }
 
-void PropSimulator::fadeDisc(QImage &disc, const QPointF &centre)
+PropSimulator::Views PropSimulator::viewsIn(int w, int h) const
 {
-    // Follows the newest wedge.
-    const qint64 degrees = 1 - ((stepCount * 10 - 10) * spinSpeed) / 160;
-    afterglow.apply(disc, centre, degrees, spinSpeed);
+    Views views;
+    views.side = static_cast<int>(h * 0.9);
+    views.discLeft = (w - 2 * views.side) / 2;
+    views.stripLeft = w / 2;
+    views.top = (h - views.side) / 2;
+    const int half = w / 2;
+    const int middle = h / 2;
+    views.centre = QPointF(half - h * 0.45 - views.discLeft, middle - views.top);
+    views.degrees = 1 - ((stepCount * 10 - 10) * spinSpeed) / 160;
+    return views;
 }
 
 // Disc and strip side by side around the middle of the frame, each as high as most of it.
 void PropSimulator::composeViews(QPainter &painter, int w, int h)
 {
-    const int height = static_cast<int>(h * 0.9);
-    if (height <= 0) {
+    const Views views = viewsIn(w, h);
+    if (views.side <= 0) {
         return;
     }
-    QImage disc = discImage.scaledToHeight(height, Qt::FastTransformation);
-    const QImage strip = stripImage.scaledToHeight(height, Qt::FastTransformation);
-    const int half = w / 2;
-    const int left = (w - 2 * disc.width()) / 2;
-    const int top = (h - disc.height()) / 2;
+    QImage disc = discImage.scaledToHeight(views.side, Qt::FastTransformation);
+    const QImage strip = stripImage.scaledToHeight(views.side, Qt::FastTransformation);
     if (spinSpeed != 0) {
-        const int middle = h / 2;
-        fadeDisc(disc, QPointF(half - h * 0.45 - left, middle - top));
+        afterglow.apply(disc, views.centre, views.degrees, spinSpeed);
     }
-    painter.drawImage(left, top, disc);
+    painter.drawImage(views.discLeft, views.top, disc);
     if (spinSpeed != 0) {
         painter.setCompositionMode(QPainter::CompositionMode_DestinationAtop);
     }
-    painter.drawImage(half, top, strip);
+    painter.drawImage(views.stripLeft, views.top, strip);
 }
 
 void PropSimulator::composeFrame(QPainter &painter, int w, int h)
@@ -281,6 +317,50 @@ void PropSimulator::composeFrame(QPainter &painter, int w, int h)
     // Paints within the same millisecond bring the mean down to 0.
     const int framesPerSecond = 1000 / std::max(frameTimeShown, 1);
     painter.drawText(QRect(0, 0, 100, 50), 0, QStringLiteral("FPS: ") + QString::number(framesPerSecond));
+}
+
+void PropSimulator::drawViews(QImage &picture, const QRect &cell)
+{
+    const Views views = viewsIn(cell.width(), cell.height());
+    if (views.side <= 0) {
+        return;
+    }
+    if (nearest.size() != views.side) {
+        nearest = nearestColumns(views.side);
+    }
+    if (spinSpeed != 0) {
+        afterglow.prepare(QSize(views.side, views.side), views.centre, views.degrees, spinSpeed);
+    }
+    // Outside of the disc's circle and to the left of the strip's bar nothing is ever drawn. What lies beyond the
+    // cell's edges is cut off.
+    constexpr double reach = discDiameter / 2 + 2;
+    const double scale = static_cast<double>(views.side) / imageSize;
+    const int stripFrom = static_cast<int>((stripLeft - 2) * scale);
+    const int stripTo = std::min(views.side, cell.width() - views.stripLeft);
+    for (int y = 0; y < views.side; ++y) {
+        const int row = nearest.at(y);
+        QRgb *line = reinterpret_cast<QRgb *>(picture.scanLine(cell.top() + views.top + y)) + cell.left();
+        const auto *strip = reinterpret_cast<const QRgb *>(stripImage.constScanLine(row));
+        for (int x = stripFrom; x < stripTo; ++x) {
+            line[views.stripLeft + x] = strip[nearest.at(x)];
+        }
+        const double away = row - imageSize / 2;
+        if (std::fabs(away) >= reach) {
+            continue;
+        }
+        const double half = std::sqrt(reach * reach - away * away);
+        const int from = std::max(-views.discLeft, static_cast<int>((imageSize / 2 - half) * scale));
+        const int to = std::min(views.side, static_cast<int>((imageSize / 2 + half) * scale) + 1);
+        const auto *disc = reinterpret_cast<const QRgb *>(discImage.constScanLine(row));
+        QRgb *place = line + views.discLeft;
+        for (int x = from; x < to; ++x) {
+            place[x] = disc[nearest.at(x)];
+        }
+        if (spinSpeed != 0) {
+            afterglow.fadeRow(y, place, from, to);
+            std::for_each(place + from, std::max(place + from, place + to), [](QRgb &pixel) { pixel |= 0xff000000U; });
+        }
+    }
 }
 
 // Milliseconds since the last call.

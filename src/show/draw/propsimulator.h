@@ -11,9 +11,11 @@
 #include <QImage>
 #include <QRadialGradient>
 #include <QTime>
+#include <QVector>
 
 class QPainter;
 class QPixmap;
+class QRect;
 
 namespace glow {
 
@@ -47,10 +49,21 @@ public:
     // Runs the steps that belong to the elapsed time (cut to 100 ms).
     void runSteps(int elapsedMs);
 
+    // Runs that many steps; nothing for none or fewer.
+    void advance(int steps);
+
+    // The pattern moves on by so many columns in so many steps, both above zero, instead of one a step; in force until
+    // the next pattern is shown.
+    void setColumnPace(qint64 columns, qint64 steps);
+
     // One frame of the preview, w by h pixels from the painter's origin: runs the steps since the last frame, then
     // draws disc, afterglow, strip and frame rate on black. Any surface will do, with or without an alpha channel and
     // whatever it holds.
     void paintFrame(QPainter &painter, int w, int h);
+
+    // Disc, afterglow and strip as a frame of w by h pixels shows them, pixel for pixel, but without the frame rate and
+    // without running a step: into the cell of a picture of Format_RGB32 that is black there and holds the whole cell.
+    void drawViews(QImage &picture, const QRect &cell);
 
     // Colour of a pixel of the pattern, 0 <= column < columns(), 0 <= row < rows(); always opaque.
     QRgb pixelAt(qint64 column, int row) const;
@@ -71,16 +84,30 @@ public:
     qint32 patternRepeats = 0;    // as given
 
 private:
+    // Where the views stand in a frame, in pixels.
+    struct Views
+    {
+        int side = 0; // of both views, which are square
+        int discLeft = 0;
+        int stripLeft = 0;
+        int top = 0;
+        QPointF centre;     // of the afterglow, within the disc
+        qint64 degrees = 0; // the newest wedge
+    };
+    Views viewsIn(int w, int h) const;
+
     qint64 columnAt(qint64 step) const;
     QRadialGradient discGradient(qint64 column) const;
     void drawStripBody(QPainter &painter) const;
     void drawStripColumn(QPainter &painter, qint64 column) const;
-    void fadeDisc(QImage &disc, const QPointF &centre);
     void composeViews(QPainter &painter, int w, int h);
     void composeFrame(QPainter &painter, int w, int h);
     int restartClock();
 
-    QImage widePicture; // the picture itself while patternImage is null because the pattern is too wide
+    qint64 paceColumns = 1; // see setColumnPace
+    qint64 paceSteps = 1;
+    QVector<int> nearest; // for drawViews: the column (and row) of the views' images behind each pixel of their side
+    QImage widePicture;   // the picture itself while patternImage is null because the pattern is too wide
     int wideRows = 0;
     Afterglow afterglow;
     QImage frameImage; // the frame being composed, kept for its memory
