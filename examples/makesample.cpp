@@ -1,5 +1,5 @@
 // Composes the sample show through the window's own controls and saves it as examples/sample.gsw3. The pictures are
-// named by paths relative to the project's root, so that they are found wherever the project lies.
+// those that the program brings along (src/resources/glowsmith.qrc), so that they are found wherever the show lies.
 #include "app/mainwindow.h"
 #include "forms/style.h"
 #include "show/base/resources.h"
@@ -27,7 +27,7 @@ void add(MainWindow &window, int startMs, int endMs)
 void addPicture(MainWindow &window, const QString &name, int startMs, int endMs)
 {
     window.ui->Mode_Pic->setCurrentIndex(glow::PicturePattern);
-    window.picload(QStringLiteral("examples/pictures/") + name);
+    window.picload(QStringLiteral(":/sample/") + name);
     add(window, startMs, endMs);
 }
 

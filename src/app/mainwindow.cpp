@@ -175,6 +175,7 @@ void MainWindow::loadPresets()
 
 void MainWindow::addQuit()
 {
+    addRecentProjects();
     QAction *quit = ui->menu->addAction(glow::hint(QT_TRANSLATE_NOOP("Hints", "離開")), this, &QWidget::close);
     quit->setObjectName(QStringLiteral("actionQuit"));
     quit->setShortcut(QStringLiteral("Ctrl+Q"));
@@ -221,6 +222,7 @@ void MainWindow::closeEvent(QCloseEvent *event)
     AppSettings settings;
     settings.setValue(AppSettings::sizeKey, size());
     settings.setValue(AppSettings::maximizedKey, isMaximized());
+    keepLayout();
     settings.sync();
 
     const auto answer =

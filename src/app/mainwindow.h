@@ -130,6 +130,11 @@ public:
     // The empty show that New and Load start from: one fresh track, new mode, the time fields at 0 and 5 seconds.
     void resetDocument();
 
+    // How the window is laid out, in the settings: where the dock stands, and how the space is split
+    // (app/mainwindow_desk.cpp).
+    void keepLayout() const;
+    void restoreLayout();
+
 signals:
     void showIsSafe();    // as it stands it is saved, or is what was opened, or new
     void showIsLeft();    // the window closes after an attempt to save
@@ -328,6 +333,10 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override; // in timeline/mainwindow_ruler.cpp
 
 private:
+    void addRecentProjects(); // in app/mainwindow_desk.cpp
+    bool mayReplaceShow();    // asks whether a project may be opened over the show
+    void takeDropped(const QString &path);
+
     // The steps of construction, in this order; each stands on what the earlier ones made.
     void setUpForm();
     void connectForm();

@@ -2,7 +2,9 @@
 #include "app/mainwindow.h"
 
 #include "app/windowtitle.h"
+#include "forms/hints.h"
 #include "show/base/appsettings.h"
+#include "show/base/startfolder.h"
 #include "timeline/gesture.h"
 #include "timeline/mylabel.h"
 #include "timeline/timeline.h"
@@ -14,6 +16,20 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QUrl>
+
+namespace {
+
+// What the status line says of files that were dropped together with the one that was taken.
+QString unusedFiles(const QList<QUrl> &urls)
+{
+    QStringList names;
+    for (const QUrl &url : urls) {
+        names.append(url.fileName());
+    }
+    return glow::hint(QT_TRANSLATE_NOOP("Hints", "只用了第一個檔案，未使用：%1")).arg(names.join(QStringLiteral("、")));
+}
+
+} // namespace
 
 void MainWindow::discardTracks()
 {
@@ -67,15 +83,19 @@ bool MainWindow::on_actionNew_triggered()
     return renewed;
 }
 
+bool MainWindow::mayReplaceShow()
+{
+    return QMessageBox::warning(this, QString(), tr("<font color='white'>未儲存部分將會流失，確定讀取舊檔?</font>"),
+                                QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Yes) == QMessageBox::Yes;
+}
+
 void MainWindow::on_actionLoad_triggered()
 {
-    const auto answer =
-        QMessageBox::warning(this, QString(), tr("<font color='white'>未儲存部分將會流失，確定讀取舊檔?</font>"),
-                             QMessageBox::Yes | QMessageBox::Cancel, QMessageBox::Yes);
-    if (answer != QMessageBox::Yes) {
+    if (!mayReplaceShow()) {
         return;
     }
-    const QString path = QFileDialog::getOpenFileName(this, tr("讀檔"), currentFile, QStringLiteral("*.gsw *.gsw3"));
+    const QString path = QFileDialog::getOpenFileName(this, tr("讀檔"), glow::startForOpening(currentFile),
+                                                      QStringLiteral("*.gsw *.gsw3"));
     if (!path.isEmpty()) {
         LoadFile(path);
     }
@@ -108,10 +128,22 @@ void MainWindow::dragEnterEvent(QDragEnterEvent *event)
 
 void MainWindow::dropEvent(QDropEvent *event)
 {
-    const QString path = event->mimeData()->urls().value(0).toLocalFile();
+    const QList<QUrl> dropped = event->mimeData()->urls();
+    const QString path = dropped.value(0).toLocalFile();
     if (path.isEmpty()) {
         return;
     }
+    ui->statusBar->clearMessage();
+    takeDropped(path);
+    if (dropped.size() > 1) {
+        // Behind what the first file has to say.
+        const QString said = ui->statusBar->currentMessage();
+        ui->statusBar->showMessage((said.isEmpty() ? said : said + QStringLiteral("　")) + unusedFiles(dropped.mid(1)));
+    }
+}
+
+void MainWindow::takeDropped(const QString &path)
+{
     const QString suffix = path.section(u'.', -1);
     if (suffix == QLatin1String("gsw") || suffix == QLatin1String("gsw3")) {
         if (on_actionNew_triggered()) {

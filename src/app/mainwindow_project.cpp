@@ -4,10 +4,12 @@
 #include "app/recovery.h"
 #include "app/windowtitle.h"
 #include "show/base/appsettings.h"
+#include "show/base/startfolder.h"
 #include "show/base/wholefile.h"
 #include "show/model/oldproject.h"
 #include "show/model/projectfile.h"
 #include "show/model/propvalues.h"
+#include "show/model/recentprojects.h"
 #include "song/chartview.h"
 #include "timeline/timeline.h"
 #include "timeline/timelineitem.h"
@@ -106,6 +108,9 @@ void MainWindow::on_actionSave_triggered()
         // This is what takes the "*" away, so not before the show is safe.
         setWindowTitle(glow::titleOfProject(currentFile));
         AppSettings().setValue(AppSettings::projectKey, currentFile);
+        if (glow::isProjectPath(currentFile)) {
+            glow::rememberProject(currentFile);
+        }
         emit showIsSafe();
         break;
     case glow::WriteResult::NotOpened:
@@ -121,7 +126,8 @@ void MainWindow::on_actionSave_triggered()
 void MainWindow::on_actionSaveas_triggered()
 {
     QString path = QFileDialog::getSaveFileName(
-        this, tr("存檔"), currentFile.isEmpty() ? QDir::homePath() + QStringLiteral("/Documents") : currentFile,
+        this, tr("存檔"),
+        glow::startForSaving(currentFile.isEmpty() ? QDir::homePath() + QStringLiteral("/Documents") : currentFile),
         QStringLiteral("*.gsw3"));
     if (path.isEmpty()) {
         return;
@@ -149,6 +155,7 @@ void MainWindow::LoadFile(QString path)
     }
     if (const std::optional<QByteArray> bytes = glow::readWholeFile(currentFile)) {
         hasFile = true;
+        glow::rememberProject(currentFile);
         if (binary) {
             openProject(glow::readProject(*bytes));
         } else {

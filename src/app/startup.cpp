@@ -56,6 +56,7 @@ QSize onScreen(const QSize &size)
 void showAsLeft(MainWindow &window)
 {
     const AppSettings settings;
+    window.restoreLayout();
     if (settings.value(AppSettings::maximizedKey, false).toBool()) {
         window.showMaximized();
         return;

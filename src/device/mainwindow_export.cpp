@@ -1,6 +1,7 @@
 // The current track as the prop's data: the two temporary files that an upload sends, and the ".bin" file.
 #include "app/mainwindow.h"
 
+#include "show/base/startfolder.h"
 #include "show/image/binfile.h"
 #include "show/image/deviceimage.h"
 #include "show/image/imagefiles.h"
@@ -47,7 +48,8 @@ void MainWindow::on_Ex_Button_clicked()
                              QMessageBox::NoButton);
         return;
     }
-    QString path = QFileDialog::getSaveFileName(this, tr("匯出"), QDir::homePath() + QStringLiteral("/Documents"),
+    QString path = QFileDialog::getSaveFileName(this, tr("匯出"),
+                                                glow::startForSaving(QDir::homePath() + QStringLiteral("/Documents")),
                                                 QStringLiteral("*.bin"));
     if (path.isEmpty()) {
         return;

@@ -1,12 +1,15 @@
 #include "library/about.h"
 
 #include "forms/hints.h"
+#include "forms/recentactions.h"
 #include "forms/style.h"
 #include "show/base/appsettings.h"
 #include "show/base/installation.h"
 #include "show/base/programversion.h"
 #include "show/base/resources.h"
+#include "show/base/startfolder.h"
 #include "show/base/updatereply.h"
+#include "show/model/recoverystore.h"
 #include "ui_about.h"
 
 #include <QDebug>
@@ -14,6 +17,8 @@
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
+#include <QLabel>
+#include <QLayout>
 #include <QMessageBox>
 #include <QNetworkAccessManager>
 #include <QNetworkRequest>
@@ -37,6 +42,21 @@ QByteArray bodyOf(QNetworkReply *reply)
     // Other schemes than HTTP have no status.
     const bool succeeded = status == 0 || (status >= 200 && status < 300);
     return reply->error() == QNetworkReply::NoError && succeeded ? reply->readAll() : QByteArray();
+}
+
+// What the about box says: the licence, whose work is in the program, and where things are.
+QString particularsText()
+{
+    const QString manual = glow::manualFile();
+    const QStringList lines{
+        glow::hint(QT_TRANSLATE_NOOP("Hints", "授權：GPL-3.0-or-later，不附任何擔保")),
+        glow::hint(QT_TRANSLATE_NOOP("Hints", "程式庫：Qt %1（LGPL-3.0）；聲音由 GStreamer（LGPL-2.1）解碼"))
+            .arg(QLatin1String(qVersion())),
+        glow::hint(QT_TRANSLATE_NOOP("Hints", "手冊：%1"))
+            .arg(manual.isEmpty() ? QStringLiteral("man glowsmith") : manual + QStringLiteral(", man glowsmith")),
+        glow::hint(QT_TRANSLATE_NOOP("Hints", "未儲存光舞的副本：%1"))
+            .arg(QDir::toNativeSeparators(glow::RecoveryStore::standardFolder()))};
+    return lines.join(u'\n');
 }
 
 void startUpdater()
@@ -63,7 +83,13 @@ about::about(QWidget *parent)
     const QString last = AppSettings().value(AppSettings::projectKey, QStringLiteral("null")).toString();
     if (last != QLatin1String("null")) {
         ui->load_current->setText(last);
-        ui->load_current->setToolTip(last.toHtmlEscaped());
+        ui->load_current->setToolTip(last.toHtmlEscaped() + QStringLiteral("<br>") +
+                                     glow::hint(QT_TRANSLATE_NOOP("Hints", "按右鍵：最近的專案")));
+        ui->load_current->setContextMenuPolicy(Qt::ActionsContextMenu);
+        ui->load_current->addActions(glow::recentActions(this, [this](const QString &path) {
+            loadPath = path;
+            close();
+        }));
     } else {
         ui->load_current->hide();
     }
@@ -108,6 +134,11 @@ void about::showAsAboutBox()
 {
     about dialog;
     dialog.ui->Load_frame->hide();
+    auto *particulars = new QLabel(particularsText(), &dialog);
+    particulars->setObjectName(QStringLiteral("particulars"));
+    particulars->setTextFormat(Qt::PlainText);
+    particulars->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    dialog.layout()->addWidget(particulars);
     dialog.exec();
 }
 
@@ -183,8 +214,9 @@ void about::on_pushButton0_clicked()
 
 void about::on_load_button_clicked()
 {
-    const QString path = QFileDialog::getOpenFileName(this, tr("讀檔"), QDir::homePath() + QStringLiteral("/Documents"),
-                                                      QStringLiteral("*.gsw *.gsw3"));
+    const QString path = QFileDialog::getOpenFileName(
+        this, tr("讀檔"), glow::startForOpening(QDir::homePath() + QStringLiteral("/Documents")),
+        QStringLiteral("*.gsw *.gsw3"));
     if (!path.isEmpty()) {
         loadPath = path;
         close();

@@ -2,6 +2,7 @@
 #include "app/mainwindow.h"
 
 #include "library/about.h"
+#include "show/base/startfolder.h"
 #include "show/model/missingpictures.h"
 #include "show/model/settingstext.h"
 
@@ -16,8 +17,9 @@ namespace {
 // picPath often names a file; a directory dialog that starts with a file chosen could not be accepted.
 QString startDirectory(const QString &picPath)
 {
-    const QFileInfo info(picPath);
-    return info.isFile() ? info.absolutePath() : picPath;
+    const QString start = glow::startForOpening(picPath);
+    const QFileInfo info(start);
+    return info.isFile() ? info.absolutePath() : start;
 }
 
 } // namespace
@@ -61,8 +63,9 @@ void MainWindow::askForLostPicture()
     if (answer != QMessageBox::Yes) {
         return;
     }
-    const QString path = QFileDialog::getOpenFileName(
-        this, tr("取代圖片"), picPath, QStringLiteral("Support files(*.jpg *.bmp *.png *.gif);;All files(*.*)"));
+    const QString path =
+        QFileDialog::getOpenFileName(this, tr("取代圖片"), glow::startForOpening(picPath),
+                                     QStringLiteral("Support files(*.jpg *.bmp *.png *.gif);;All files(*.*)"));
     if (!path.isEmpty()) {
         picload(path);
     }

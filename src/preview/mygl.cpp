@@ -23,7 +23,11 @@ public:
         setMinimumSize(owner->minimumSize());
         setMaximumSize(owner->maximumSize());
         setGeometry(owner->geometry());
-        connect(&timer, &QTimer::timeout, this, qOverload<>(&QWidget::update));
+        connect(&timer, &QTimer::timeout, this, [this] {
+            if (prop != nullptr && !prop->skipFrame()) {
+                update();
+            }
+        });
         timer.start(frameMs);
     }
 
@@ -68,7 +72,11 @@ MyGL::MyGL(QWidget *parent)
     setMinimumSize(200, 200);
     setMaximumSize(9999, 9999);
 
-    connect(&repaintTimer, &QTimer::timeout, this, qOverload<>(&QWidget::update));
+    connect(&repaintTimer, &QTimer::timeout, this, [this] {
+        if (!skipFrame()) {
+            update();
+        }
+    });
     connect(&fpsTimer, &QTimer::timeout, this, &MyGL::update_fps);
     repaintTimer.start(1);
     fpsTimer.start(500);

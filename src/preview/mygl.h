@@ -26,7 +26,7 @@ public:
     // The widget that shows the frames: this one, or the plain one in its place where there is no OpenGL.
     QWidget *surface();
 
-    QTimer repaintTimer; // 1 ms: repaints as fast as the system allows
+    QTimer repaintTimer; // 1 ms: repaints as fast as the system allows, as long as something moves
     QTimer fpsTimer;     // 500 ms: renews the frame rate text
 
 public slots:

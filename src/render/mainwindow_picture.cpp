@@ -5,6 +5,7 @@
 #include "render/patternview.h"
 #include "render/screencapture.h"
 #include "show/base/appsettings.h"
+#include "show/base/startfolder.h"
 #include "show/draw/picturechain.h"
 #include "show/model/propvalues.h"
 #include "ui_mainwindow.h"
@@ -63,8 +64,9 @@ void MainWindow::on_Pic_Loads_clicked()
     if (picPath.isEmpty()) {
         picPath = QDir::homePath() + QStringLiteral("/Pictures");
     }
-    const QStringList files = QFileDialog::getOpenFileNames(
-        this, tr("讀圖(可複選)"), picPath, QStringLiteral("Support files(*.jpg *.bmp *.png *.gif);;All files(*.*)"));
+    const QStringList files =
+        QFileDialog::getOpenFileNames(this, tr("讀圖(可複選)"), glow::startForOpening(picPath),
+                                      QStringLiteral("Support files(*.jpg *.bmp *.png *.gif);;All files(*.*)"));
     if (files.size() == 1) {
         picload(files.first());
         return;

@@ -2,6 +2,7 @@
 #include "app/mainwindow.h"
 
 #include "forms/hints.h"
+#include "show/base/startfolder.h"
 #include "show/draw/waveform.h"
 #include "show/model/showtime.h"
 #include "song/chartview.h"
@@ -96,8 +97,9 @@ void MainWindow::on_SongRead_Button_clicked()
 {
     player->blockSignals(false);
     rewindSong();
-    const QString path = QFileDialog::getOpenFileName(this, tr("選歌"), QDir::homePath() + QStringLiteral("/Music"),
-                                                      QStringLiteral("(*.mp3 *.wav);;All files (*.*)"));
+    const QString path = QFileDialog::getOpenFileName(
+        this, tr("選歌"), glow::startForOpening(QDir::homePath() + QStringLiteral("/Music")),
+        QStringLiteral("(*.mp3 *.wav);;All files (*.*)"));
     if (!path.isEmpty()) {
         ReadSong(path);
     }

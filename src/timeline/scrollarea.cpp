@@ -1,7 +1,10 @@
 #include "timeline/scrollarea.h"
 
+#include <QAbstractSpinBox>
+#include <QApplication>
 #include <QDebug>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QScrollBar>
 #include <QWheelEvent>
 
@@ -10,6 +13,14 @@ namespace {
 // A notch of a common wheel is 120: 40 pixels sideways, or 4 units of the zoom slider.
 constexpr int wheelPerPixel = 3;
 constexpr int wheelPerZoomUnit = 30;
+
+bool isTyping()
+{
+    const QWidget *widget = QApplication::focusWidget();
+    return qobject_cast<const QLineEdit *>(widget) != nullptr ||
+           qobject_cast<const QAbstractSpinBox *>(widget) != nullptr ||
+           (widget != nullptr && widget->testAttribute(Qt::WA_InputMethodEnabled));
+}
 
 } // namespace
 
@@ -21,11 +32,28 @@ ScrollArea::ScrollArea(QWidget *parent)
 void ScrollArea::wheelEvent(QWheelEvent *e)
 {
     const int turned = e->angleDelta().y();
-    if (heldKey == Qt::Key_Control) {
+    if (isControlHeld(*e)) {
         emit scrolled_with_ctl(turned / wheelPerZoomUnit);
     } else {
         horizontalScrollBar()->setValue(horizontalScrollBar()->value() - turned / wheelPerPixel);
     }
+}
+
+// A key that was pressed here counts until its release, and a key other than Control keeps Control from counting. A
+// release that goes elsewhere must not leave Control held for ever: the wheel of a real mouse says what is held.
+bool ScrollArea::isControlHeld(const QWheelEvent &e)
+{
+    const bool isDown = e.modifiers().testFlag(Qt::ControlModifier);
+    if (heldKey == Qt::Key_Control && e.spontaneous() && !isDown) {
+        heldKey = 0;
+    }
+    return heldKey == Qt::Key_Control || (heldKey == 0 && isDown && !isTyping());
+}
+
+void ScrollArea::focusOutEvent(QFocusEvent *e)
+{
+    heldKey = 0; // a dialog, a menu or another window hears of the release
+    QScrollArea::focusOutEvent(e);
 }
 
 void ScrollArea::keyPressEvent(QKeyEvent *e)

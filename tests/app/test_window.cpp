@@ -104,6 +104,8 @@ private slots:
         drop({"file://" + first, "file:///b.PNG"});
         QCOMPARE(ui->PicDir->text(), first);
         QCOMPARE(ui->Mode_Pic->currentIndex(), 0);
+        const QString said = ui->statusBar->currentMessage(); // what happened to the others
+        QVERIFY2(said.contains("b.PNG") && !said.contains("a.png"), qPrintable(said));
         drop({"http://localhost/a.bmp"}); // no local file: nothing
         DialogDriver driver;
         driver.answerBox(QMessageBox::Ok);

@@ -81,6 +81,37 @@ private slots:
         QCOMPARE(unlikeGolden(sheet, "views.png", 200), QString());
     }
 
+    // A frame that would look like the last one need not be painted; the steps go on all the same.
+    void framesOfWhatDoesNotMoveAreLeftOut()
+    {
+        const auto still = [](PropSimulator &prop) {
+            for (int paints = 0; paints < 50 && !prop.skipFrame(); ++paints) {
+                frameOf(prop, QSize(60, 60));
+                prop.frameTimeShown = prop.frameTimeAverage;
+            }
+            return prop.skipFrame();
+        };
+        const QImage oneRed = painted(64, 36, [](int, int y) { return y == 3 ? red : black; });
+        PropSimulator prop;
+        for (const auto &[picture, speed, isStill] : {std::tuple(oneRed, 0, true),
+                                                      {oneRed, 9, false}, // the afterglow turns
+                                                      {blocks(64, 36), 0, false},
+                                                      {QImage(), 9, true}, // once the red has gone
+                                                      {QImage(), -1, true}}) {
+            prop.setSpinSpeed(speed);
+            prop.showPicture(picture, 36, 0.064, 1);
+            QVERIFY(!prop.skipFrame());
+            QCOMPARE(still(prop), isStill);
+        }
+        prop.stepClock = QTime::currentTime().addMSecs(-60);
+        const qint64 steps = prop.stepCount;
+        QVERIFY(prop.skipFrame());
+        QVERIFY(prop.stepCount >= steps + 58);
+        prop.frameTimeShown = 1; // the text has to change
+        frameOf(prop, QSize(60, 60));
+        QVERIFY(!prop.skipFrame());
+    }
+
     void framesLookAsEver()
     {
         QImage sheet(280, 7 * 131, QImage::Format_RGB32);

@@ -689,6 +689,38 @@ The file is as it was. Please save under another name.</translation>
         <source>離開</source>
         <translation>Quit</translation>
     </message>
+    <message>
+        <source>最近的專案</source>
+        <translation>Recent projects</translation>
+    </message>
+    <message>
+        <source>（還沒有）</source>
+        <translation>(none yet)</translation>
+    </message>
+    <message>
+        <source>按右鍵：最近的專案</source>
+        <translation>right button: recent projects</translation>
+    </message>
+    <message>
+        <source>只用了第一個檔案，未使用：%1</source>
+        <translation>Only the first file was used, not: %1</translation>
+    </message>
+    <message>
+        <source>授權：GPL-3.0-or-later，不附任何擔保</source>
+        <translation>Licence: GPL-3.0-or-later, without any warranty</translation>
+    </message>
+    <message>
+        <source>程式庫：Qt %1（LGPL-3.0）；聲音由 GStreamer（LGPL-2.1）解碼</source>
+        <translation>Libraries: Qt %1 (LGPL-3.0); sound is decoded by GStreamer (LGPL-2.1)</translation>
+    </message>
+    <message>
+        <source>手冊：%1</source>
+        <translation>Manual: %1</translation>
+    </message>
+    <message>
+        <source>未儲存光舞的副本：%1</source>
+        <translation>Copy of an unsaved show: %1</translation>
+    </message>
 </context>
 <context>
     <name>Film</name>

@@ -19,6 +19,10 @@ public:
     static inline const QString projectKey = QStringLiteral("main/currentfile");    // the project saved last
     static inline const QString sizeKey = QStringLiteral("window/size");            // QSize, at the last close
     static inline const QString maximizedKey = QStringLiteral("window/maximize");   // bool, at the last close
+    static inline const QString layoutKey = QStringLiteral("layout/window");        // of the dock; these three as Qt
+    static inline const QString splitterKey = QStringLiteral("layout/splitter");    // writes them, at the last close
+    static inline const QString waveSplitterKey = QStringLiteral("layout/waveform");
+    static inline const QString recentKey = QStringLiteral("recent/projects"); // QStringList, newest first
 
     enum Language { Chinese = 1, English = 2, CompleteEnglish = 3, NeverChosen = 99 };
 };

@@ -52,4 +52,11 @@ QUrl siteUrl()
     return address("GLOWSMITH_SITE_URL", QStringLiteral("site/url"), defaultSite);
 }
 
+QString manualFile()
+{
+    const QString path =
+        QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../share/doc/glowsmith/README.md"));
+    return QFileInfo::exists(path) ? path : QString();
+}
+
 } // namespace glow

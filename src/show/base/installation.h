@@ -1,6 +1,7 @@
 // What differs from one installation of the program to the next: the addresses that it opens.
 #pragma once
 
+#include <QString>
 #include <QUrl>
 
 namespace glow {
@@ -20,5 +21,8 @@ QUrl storeUrl();
 
 // The maker's web site.
 QUrl siteUrl();
+
+// Where the document for users was installed; empty if it was not.
+QString manualFile();
 
 } // namespace glow

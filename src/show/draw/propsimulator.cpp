@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 
 namespace glow {
 
@@ -65,6 +66,40 @@ int wedgeAngle(int spinSpeed, qint64 step)
 {
     const quint32 product = static_cast<quint32>(spinSpeed) * static_cast<quint32>(step);
     return static_cast<int>(0U - product);
+}
+
+// The frame rate text's number. Paints within the same millisecond bring the mean down to 0.
+int framesPerSecond(int frameTime)
+{
+    return 1000 / std::max(frameTime, 1);
+}
+
+const QRgb *rowOf(const QImage &image, int row)
+{
+    return reinterpret_cast<const QRgb *>(image.constScanLine(row));
+}
+
+// Each row one colour, of an image of 32 bits a pixel: it is the same as itself moved by a pixel.
+bool areColumnsAlike(const QImage &image)
+{
+    for (int row = 0; row < image.height(); ++row) {
+        const QRgb *pixels = rowOf(image, row);
+        if (image.width() > 1 && std::memcmp(pixels, pixels + 1, sizeof(QRgb) * size_t(image.width() - 1)) != 0) {
+            return false;
+        }
+    }
+    return true;
+}
+
+bool isBlack(const QImage &image)
+{
+    for (int row = 0; row < image.height(); ++row) {
+        const QRgb *pixels = rowOf(image, row);
+        if (!std::all_of(pixels, pixels + image.width(), [](QRgb pixel) { return (pixel & RGB_MASK) == 0; })) {
+            return false;
+        }
+    }
+    return true;
 }
 
 } // namespace
@@ -122,6 +157,7 @@ void PropSimulator::showPicture(const QImage &picture, qint16 leds, double secon
         }
     }
     setColumnPace(1, 1);
+    lookAtPattern();
     stepOrigin = stepCount;
     stepClock = QTime::currentTime();
 }
@@ -130,6 +166,29 @@ void PropSimulator::setColumnPace(qint64 columns, qint64 steps)
 {
     paceColumns = columns;
     paceSteps = steps;
+}
+
+void PropSimulator::lookAtPattern()
+{
+    const QImage &pattern = widePicture.isNull() ? patternImage : widePicture;
+    isSteady = areColumnsAlike(pattern);
+    isDark = isSteady && isBlack(pattern);
+    isStill = false;
+}
+
+// While the bar turns, the afterglow turns with it over whatever is not black.
+bool PropSimulator::isNothingMoving() const
+{
+    return isSteady && (spinSpeed == 0 || (isDark && isBlack(discImage)));
+}
+
+bool PropSimulator::skipFrame()
+{
+    constexpr int skippedMs = 50; // well below the longest stall that counts in full
+    if (isStill && elapsedMs() >= skippedMs) {
+        stepCount += previewSteps(restartClock());
+    }
+    return isStill;
 }
 
 QRgb PropSimulator::pixelAt(qint64 column, int row) const
@@ -253,6 +312,7 @@ void PropSimulator::setSpinSpeed(int speed)
         stepCount = -stepCount;
     }
     spinSpeed = speed;
+    isStill = false;
     if (speed == 0) {
         qDebug() << "draw static";
         QPainter painter(&discImage);
@@ -270,6 +330,7 @@ void PropSimulator::resetImages()
 {
     discImage.fill(black);
     stripImage.fill(black);
+    isStill = false;
     stepOrigin = 0;
     stepClock = QTime::currentTime();
 }
@@ -314,9 +375,15 @@ void PropSimulator::composeFrame(QPainter &painter, int w, int h)
     font.setPixelSize(12);
     painter.setFont(font);
     painter.setPen(QColor(255, 255, 255, 255));
-    // Paints within the same millisecond bring the mean down to 0.
-    const int framesPerSecond = 1000 / std::max(frameTimeShown, 1);
-    painter.drawText(QRect(0, 0, 100, 50), 0, QStringLiteral("FPS: ") + QString::number(framesPerSecond));
+    painter.drawText(QRect(0, 0, 100, 50), 0,
+                     QStringLiteral("FPS: ") + QString::number(framesPerSecond(frameTimeShown)));
+}
+
+// Milliseconds since the clock was started.
+int PropSimulator::elapsedMs() const
+{
+    const int elapsed = stepClock.msecsTo(QTime::currentTime());
+    return elapsed < 0 ? elapsed + msPerDay : elapsed; // past midnight, or the system's clock was set back
 }
 
 void PropSimulator::drawViews(QImage &picture, const QRect &cell)
@@ -363,15 +430,10 @@ void PropSimulator::drawViews(QImage &picture, const QRect &cell)
     }
 }
 
-// Milliseconds since the last call.
 int PropSimulator::restartClock()
 {
-    const QTime now = QTime::currentTime();
-    int elapsed = stepClock.msecsTo(now);
-    if (elapsed < 0) { // past midnight, or the system's clock was set back
-        elapsed += msPerDay;
-    }
-    stepClock = now;
+    const int elapsed = elapsedMs();
+    stepClock = stepClock.addMSecs(elapsed);
     return elapsed;
 }
 
@@ -399,6 +461,7 @@ void PropSimulator::paintFrame(QPainter &painter, int w, int h)
         painter.drawImage(0, 0, frameImage);
     }
     frameTimeAverage = (frameTimeAverage + elapsed) / 2;
+    isStill = isNothingMoving() && framesPerSecond(frameTimeShown) == framesPerSecond(frameTimeAverage);
 }
 
 } // namespace glow

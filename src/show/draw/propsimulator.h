@@ -65,6 +65,11 @@ public:
     // without running a step: into the cell of a picture of Format_RGB32 that is black there and holds the whole cell.
     void drawViews(QImage &picture, const QRect &cell);
 
+    // Keeps the time of the steps and returns true if the next frame would look exactly like the last one painted, so
+    // that it need not be painted: nothing turns or runs, and the frame rate text is up to date. Otherwise false, and
+    // nothing is done.
+    bool skipFrame();
+
     // Colour of a pixel of the pattern, 0 <= column < columns(), 0 <= row < rows(); always opaque.
     QRgb pixelAt(qint64 column, int row) const;
     int columns() const;
@@ -102,13 +107,19 @@ private:
     void drawStripColumn(QPainter &painter, qint64 column) const;
     void composeViews(QPainter &painter, int w, int h);
     void composeFrame(QPainter &painter, int w, int h);
+    int elapsedMs() const;
     int restartClock();
+    void lookAtPattern();
+    bool isNothingMoving() const;
 
     qint64 paceColumns = 1; // see setColumnPace
     qint64 paceSteps = 1;
     QVector<int> nearest; // for drawViews: the column (and row) of the views' images behind each pixel of their side
     QImage widePicture;   // the picture itself while patternImage is null because the pattern is too wide
     int wideRows = 0;
+    bool isSteady = true; // all columns of the pattern are the same
+    bool isDark = true;   // and black
+    bool isStill = false; // see skipFrame
     Afterglow afterglow;
     QImage frameImage; // the frame being composed, kept for its memory
 };
