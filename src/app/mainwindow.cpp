@@ -5,7 +5,9 @@
 #include "device/workerthread.h"
 #include "forms/connectbyname.h"
 #include "forms/hints.h"
+#include "forms/statusnotes.h"
 #include "forms/style.h"
+#include "forms/timeleftlabel.h"
 #include "show/base/appsettings.h"
 #include "show/base/resources.h"
 #include "show/draw/randomdraw.h"
@@ -81,7 +83,12 @@ MainWindow::MainWindow(QWidget *parent)
     // None of this can be undone.
     history.clear();
     updateStatus();
-    ui->statusBar->showMessage(QStringLiteral("WELCOME!!"));
+    // A project of the command line may have something to say that must not go under.
+    const QString said = ui->statusBar->currentMessage();
+    glow::note(ui->statusBar, QStringLiteral("WELCOME!!"));
+    if (!said.isEmpty()) {
+        ui->statusBar->showMessage(said);
+    }
 }
 
 void MainWindow::setUpForm()
@@ -96,6 +103,10 @@ void MainWindow::setUpForm()
     glow::applyStyle(this);
     glow::addHints(this);
     addQuit();
+    addCheck();
+    warnOfWipe();
+    timeLeft = new TimeLeftLabel(ui->statusBar);
+    allowExport(false);
     // A fresh window starts at its left.
     ui->Mode_Pic->setFocus();
     patternWidth = ui->Leds->value();
@@ -250,6 +261,17 @@ void MainWindow::keyPressEvent(QKeyEvent *event)
         deselect(); // a step of the history can bring it back
         ui->NEW_radio->setChecked(true);
         updateStatus();
+        tellOfDelete();
     }
     bar->setValue(scrolled);
+}
+
+// The Delete key takes no snapshot, so that a step back goes behind the change before it.
+void MainWindow::tellOfDelete()
+{
+    glow::note(ui->statusBar,
+               history.index > 0
+                   ? glow::hint(QT_TRANSLATE_NOOP(
+                         "Hints", "已移除。「復原」收回的是移除之前的那次變更；先「復原」再「重作」，圖樣就會回來"))
+                   : glow::hint(QT_TRANSLATE_NOOP("Hints", "已移除。「復原」無法讓它回來")));
 }

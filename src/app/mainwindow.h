@@ -31,6 +31,7 @@ class Recovery;
 class QActionGroup;
 class QProgressDialog;
 class QSerialPort;
+class TimeLeftLabel;
 class Timeline;
 class TimelineItem;
 class WorkerThread;
@@ -40,9 +41,11 @@ class MainWindow;
 }
 
 namespace glow {
+struct Finding;
 struct Project;
 class RecoveryStore;
 struct UnsavedShow;
+struct WriteResult;
 } // namespace glow
 
 class MainWindow : public QMainWindow
@@ -86,6 +89,7 @@ public:
 
     WorkerThread *uploadThread = nullptr; // null whenever no upload is under way
     int propWaitMs = glow::propWaitMs;    // how long a prop may take to speak, milliseconds
+    TimeLeftLabel *timeLeft = nullptr;    // in the status line: how long the work in hand will take
 
     // The show as it would be saved. progress, when given, is called with each pattern's index
     // within its track.
@@ -108,6 +112,7 @@ public:
 
     // What the folders ask of each other's widgets (each in the mainwindow_*.cpp of the folder that owns the widget).
     bool isTrackEmpty() const;                     // the current track holds no pattern
+    QVector<QByteArray> trackBlobs() const;        // of the current track, in list order
     QVector<glow::PatternRecord> sortedPatterns(); // the current track's patterns, put into start-time order first
     QStringList settingsTexts() const;             // of all patterns of all tracks
     void rewriteSettings(const std::function<QString(const QString &)> &rewrite); // of all patterns of all tracks
@@ -120,8 +125,8 @@ public:
     void resizeWave();                 // the waveform at the present zoom and height
 
     // Writes the frame data and the show header of the current track into the working directory; leaves the preview
-    // disabled. The track should hold at least one item.
-    void buildDeviceImage();
+    // disabled. The track should hold at least one item. Returns why the files are not whole; empty if they are.
+    QString buildDeviceImage();
 
     // Hides all tracks with their labels and schedules them for deletion; no member names one of them afterwards. The
     // caller makes a fresh track and clears the history in the same step.
@@ -136,9 +141,11 @@ public:
     void restoreLayout();
 
 signals:
-    void showIsSafe();    // as it stands it is saved, or is what was opened, or new
-    void showIsLeft();    // the window closes after an attempt to save
-    void showIsGivenUp(); // the window closes, and the user does not want the show saved
+    void showIsSafe();     // as it stands it is saved, or is what was opened, or new
+    void showIsMisfiled(); // it is saved, but under a name that opens as something else
+    void showIsReplaced(); // another one has taken its place
+    void showIsLeft();     // the window closes after an attempt to save
+    void showIsGivenUp();  // the window closes, and the user does not want the show saved
 
     void operate();
     void Upload_Cancel_Clicked();
@@ -158,6 +165,8 @@ public slots:
     void on_actionEnglish_triggered();
     void on_actionCompleteEnglish_triggered();
     void addQuit();
+    void addCheck();   // in device/mainwindow_check.cpp
+    void warnOfWipe(); // in device/mainwindow_maintenance.cpp
     void loadPresets();
 
     // app/mainwindow_gadget.cpp: the prop
@@ -299,6 +308,10 @@ public slots:
     void finishup();
     void terminateup();
 
+    // device/mainwindow_check.cpp
+    void checkShow();
+    void goTo(int ms); // show time
+
     // device/mainwindow_maintenance.cpp
     void on_actionFormat_triggered();
     void on_actionFirUpdate_triggered();
@@ -362,6 +375,17 @@ private:
     bool readScheduled = false; // a further turn of readAudioBuffer is on its way
 
     static bool isCancelledUpload(const QObject *caller);
+    // Export has its turn once an upload has ended; its tool tip says so.
+    void allowExport(bool allowed);
+    void tellOfExport(const QString &path, const QString &error);
+    void forgetProgress();
+    QVector<glow::Finding> checkTrack() const;
+    // What the status line says of a save, of the Delete key and of a file that gives no show.
+    void tellOfSave(const glow::WriteResult &result);
+    void tellOfDelete();
+    void tellOfOpening(const std::optional<QByteArray> &bytes);
+    // The player's song is read no more; the status line says why.
+    void tellOfSong();
 
     void buildGadgetMenu();
     // Takes the pattern out of the editor: no pattern is marked as open there.

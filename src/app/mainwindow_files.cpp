@@ -74,7 +74,7 @@ bool MainWindow::on_actionNew_triggered()
     if (renewed) {
         resetDocument();
         setWindowTitle(glow::bareTitle());
-        emit showIsSafe();
+        emit showIsReplaced();
     }
     // Also after Cancel the show has no file and no past any more.
     hasFile = false;

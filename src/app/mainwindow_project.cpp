@@ -3,7 +3,10 @@
 
 #include "app/recovery.h"
 #include "app/windowtitle.h"
+#include "forms/statusnotes.h"
+#include "forms/timeleftlabel.h"
 #include "show/base/appsettings.h"
+#include "show/base/hint.h"
 #include "show/base/startfolder.h"
 #include "show/base/wholefile.h"
 #include "show/model/oldproject.h"
@@ -19,11 +22,14 @@
 #include <QDir>
 #include <QFile>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QProgressDialog>
 
 #include <algorithm>
 #include <utility>
+
+using glow::hint;
 
 namespace {
 
@@ -45,7 +51,12 @@ constexpr int mostEmptyPatterns = 1000;
 // end up behind it in the reverse of their file order.
 void placeTracks(MainWindow &window, const glow::Project &project)
 {
+    int all = 0;
+    for (const QVector<QByteArray> &track : project.tracks) {
+        all += track.size();
+    }
     int empty = 0;
+    int done = 0;
     for (int i = 0; i < qMin(project.tracks.size(), mostTracks); ++i) {
         if (i > 0) {
             window.on_timeline_add_clicked();
@@ -55,8 +66,10 @@ void placeTracks(MainWindow &window, const glow::Project &project)
             if (blob.size() >= glow::shortestPattern || empty <= mostEmptyPatterns) {
                 window.currentTimeline->place(blob);
             }
+            window.timeLeft->follow(TimeLeftLabel::Opening, double(++done) / all);
         }
     }
+    window.timeLeft->end(TimeLeftLabel::Opening);
 }
 
 } // namespace
@@ -103,15 +116,19 @@ void MainWindow::on_actionSave_triggered()
     const glow::WriteResult result = glow::writeWholeFile(
         currentFile, glow::writeProject(asProject([&progress](int index) { progress.setValue(index); })));
     progress.hide();
+    tellOfSave(result);
     switch (result.state) {
     case glow::WriteResult::Written:
         // This is what takes the "*" away, so not before the show is safe.
         setWindowTitle(glow::titleOfProject(currentFile));
         AppSettings().setValue(AppSettings::projectKey, currentFile);
+        // A name that opens as something else is no safe place.
         if (glow::isProjectPath(currentFile)) {
             glow::rememberProject(currentFile);
+            emit showIsSafe();
+        } else {
+            emit showIsMisfiled();
         }
-        emit showIsSafe();
         break;
     case glow::WriteResult::NotOpened:
         break;
@@ -120,6 +137,23 @@ void MainWindow::on_actionSave_triggered()
                              tr("無法寫入 %1\n%2\n原有檔案未變動，請另存新檔。").arg(currentFile, result.error),
                              QMessageBox::Ok);
         break;
+    }
+}
+
+void MainWindow::tellOfSave(const glow::WriteResult &result)
+{
+    const QString name = currentFile.section(u'/', -1);
+    if (result.state != glow::WriteResult::Written) {
+        ui->statusBar->showMessage(hint(QT_TRANSLATE_NOOP("Hints", "沒有存檔：%1（%2）"))
+                                       .arg(QDir::toNativeSeparators(currentFile), result.error));
+    } else if (glow::isProjectPath(currentFile)) {
+        glow::note(ui->statusBar, hint(QT_TRANSLATE_NOOP("Hints", "已存檔：%1")).arg(name));
+    } else {
+        // It stands until the next message: there is something to be done.
+        ui->statusBar->showMessage(
+            hint(QT_TRANSLATE_NOOP(
+                     "Hints", "光舞存到了 %1，這個檔名無法再當專案開啟：請用「另存新檔」（Ctrl+Shift+S）存成 .gsw3"))
+                .arg(QDir::toNativeSeparators(currentFile)));
     }
 }
 
@@ -142,6 +176,7 @@ void MainWindow::on_actionSaveas_triggered()
 
 void MainWindow::LoadFile(QString path)
 {
+    ui->statusBar->clearMessage(); // it was about the show that goes
     resetDocument();
     closeSong();
     picPath = path;
@@ -153,7 +188,8 @@ void MainWindow::LoadFile(QString path)
     if (!binary) {
         qDebug() << "OPEN OLD FILE";
     }
-    if (const std::optional<QByteArray> bytes = glow::readWholeFile(currentFile)) {
+    const std::optional<QByteArray> bytes = glow::readWholeFile(currentFile);
+    if (bytes.has_value()) {
         hasFile = true;
         glow::rememberProject(currentFile);
         if (binary) {
@@ -168,7 +204,24 @@ void MainWindow::LoadFile(QString path)
     setWindowTitle(glow::titleOfProject(name));
     history.clear();
     updateStatus();
-    emit showIsSafe();
+    tellOfOpening(bytes);
+    emit showIsReplaced();
+}
+
+// Nothing of a file that opens as it should.
+void MainWindow::tellOfOpening(const std::optional<QByteArray> &bytes)
+{
+    const QString path = QDir::toNativeSeparators(currentFile);
+    if (!bytes.has_value()) {
+        ui->statusBar->showMessage(QFileInfo::exists(currentFile)
+                                       ? hint(QT_TRANSLATE_NOOP("Hints", "無法讀取：%1")).arg(path)
+                                       : hint(QT_TRANSLATE_NOOP("Hints", "檔案不存在：%1")).arg(path));
+    } else if (!glow::isProjectPath(currentFile) && glow::looksLikeProject(*bytes)) {
+        ui->statusBar->showMessage(
+            hint(
+                QT_TRANSLATE_NOOP("Hints", "%1 裡是 .gsw3 專案，卻因檔名被當成舊文字檔讀取：請將檔名改為 .gsw3 再開啟"))
+                .arg(path));
+    }
 }
 
 Recovery *MainWindow::keepUnsaved(std::unique_ptr<glow::RecoveryStore> store)
@@ -176,6 +229,8 @@ Recovery *MainWindow::keepUnsaved(std::unique_ptr<glow::RecoveryStore> store)
     const auto openShow = [this] { return Recovery::OpenShow{asProject(), currentFile, hasFile}; };
     auto *recovery = new Recovery(openShow, std::move(store), this);
     connect(this, &MainWindow::showIsSafe, recovery, &Recovery::showIsSafe);
+    connect(this, &MainWindow::showIsMisfiled, recovery, &Recovery::showIsMisfiled);
+    connect(this, &MainWindow::showIsReplaced, recovery, &Recovery::showIsReplaced);
     connect(this, &MainWindow::showIsLeft, recovery, &Recovery::showIsLeft);
     connect(this, &MainWindow::showIsGivenUp, recovery, &Recovery::discard);
     return recovery;
@@ -239,7 +294,9 @@ void MainWindow::openOldProject(const QByteArray &bytes)
         applyLoadedGadget(project.leds, static_cast<float>(project.rate), false);
         qDebug() << "gadget loaded";
     }
+    int done = 0;
     for (const glow::OldPattern &pattern : project.patterns) {
+        timeLeft->follow(TimeLeftLabel::Opening, double(done++) / project.patterns.size());
         ui->Mode_t1->setTime(pattern.start);
         ui->Mode_t2->setTime(pattern.end);
         showInPanel(pattern.settings, Origin::OldFile);
@@ -255,4 +312,5 @@ void MainWindow::openOldProject(const QByteArray &bytes)
         ui->NEW_radio->setChecked(true);
         on_Add_Button_clicked();
     }
+    timeLeft->end(TimeLeftLabel::Opening);
 }

@@ -83,8 +83,25 @@ void Recovery::adoptLeftover()
     }
 }
 
+void Recovery::showIsMisfiled()
+{
+    isMisfiled = true;
+    safe = glow::Project(); // no project holds this show
+    keep();
+}
+
+void Recovery::showIsReplaced()
+{
+    if (isMisfiled) {
+        waitForWriting();
+        store->setAside();
+    }
+    showIsSafe();
+}
+
 void Recovery::showIsSafe()
 {
+    isMisfiled = false;
     safe = present().project;
     kept = OpenShow();
     isKept = false;
@@ -111,7 +128,9 @@ void Recovery::discard()
     isOver = true;
     timer.stop();
     waitForWriting();
-    store->remove();
+    if (!isMisfiled) {
+        store->remove();
+    }
 }
 
 void Recovery::keep()

@@ -44,11 +44,18 @@ public slots:
     // The show as it stands is saved, or is what was opened, or new: there is nothing to keep.
     void showIsSafe();
 
+    // The show is saved, but under a name that does not open as a project: the copy is kept until the show is safe,
+    // whatever becomes of the window.
+    void showIsMisfiled();
+
+    // Another show is open now, which is safe. What was kept of one that is misfiled is left to the next start.
+    void showIsReplaced();
+
     // The show goes after an attempt to save it: what is not safe then is left to the next start, its last seconds
     // included.
     void showIsLeft();
 
-    // The user has decided against the show: nothing of it is kept.
+    // The user has decided against the show: nothing of it is kept, unless it is misfiled and so believed to be safe.
     void discard();
 
 public:
@@ -60,5 +67,6 @@ private:
     glow::Project safe; // the show when it was last safe
     OpenShow kept;      // as last written here
     bool isKept = false;
+    bool isMisfiled = false;
     bool isOver = false;
 };

@@ -2,6 +2,10 @@
 #include "app/mainwindow.h"
 
 #include "device/workerthread.h"
+#include "forms/boxes.h"
+#include "forms/statusnotes.h"
+#include "forms/timeleftlabel.h"
+#include "show/base/hint.h"
 #include "show/wire/portnames.h"
 #include "ui_mainwindow.h"
 
@@ -12,10 +16,12 @@ void MainWindow::on_UPload_Button_clicked()
     if (uploadThread != nullptr) {
         const WorkerThread *cancelled = uploadThread;
         emit Upload_Cancel_Clicked();
+        timeLeft->end(TimeLeftLabel::Upload);
         ui->UPload_Button->setText(tr("上傳至道具"));
         ui->progressBar->setValue(0);
         QMessageBox::warning(this, tr("已取消上傳"), tr("已取消上傳"), QMessageBox::Ok, QMessageBox::NoButton);
         disconnect(this, nullptr, cancelled, nullptr);
+        forgetProgress();
         uploadThread = nullptr; // the object lives on: its port and files are never closed
         return;
     }
@@ -56,7 +62,17 @@ void MainWindow::mySlot(int arg1, int arg2)
     }
     ui->statusBar->showMessage(glow::portLabel(arg2) + tr(" 輸出中 ") + QString::number(arg1) + QLatin1Char('%'));
     ui->progressBar->setValue(arg1);
+    timeLeft->follow(TimeLeftLabel::Upload, arg1 / 100.0);
     update();
+}
+
+// The upload is over: what its progress said goes.
+void MainWindow::forgetProgress()
+{
+    timeLeft->end(TimeLeftLabel::Upload);
+    if (ui->statusBar->currentMessage().contains(tr(" 輸出中 "))) {
+        glow::letGo(ui->statusBar);
+    }
 }
 
 void MainWindow::warnex(const QString &str)
@@ -65,10 +81,13 @@ void MainWindow::warnex(const QString &str)
         return;
     }
     ui->GLWidget->setEnabled(true);
-    ui->Ex_Button->setEnabled(true);
+    allowExport(true);
     ui->UPload_Button->setText(tr("上傳至道具"));
-    QMessageBox::critical(this, QString(), QStringLiteral("<font color='white'>") + str + QStringLiteral("</font>"),
-                          QMessageBox::Ok, QMessageBox::NoButton);
+    forgetProgress();
+    const auto *thread = qobject_cast<const WorkerThread *>(sender());
+    glow::tell(this, QMessageBox::Critical, QString(),
+               QStringLiteral("<font color='white'>") + str + QStringLiteral("</font>"),
+               thread != nullptr ? thread->mend : QString());
 }
 
 void MainWindow::finishup()
@@ -77,15 +96,25 @@ void MainWindow::finishup()
         return;
     }
     ui->GLWidget->setEnabled(true);
-    ui->Ex_Button->setEnabled(true);
+    allowExport(true);
     ui->UPload_Button->setText(tr("上傳至道具"));
+    timeLeft->end(TimeLeftLabel::Upload);
     QMessageBox::about(this, tr("完成"), tr("上傳完成"));
+    forgetProgress();
     uploadThread = nullptr;
 }
 
 void MainWindow::terminateup()
 {
-    if (!isCancelledUpload(sender())) {
-        uploadThread = nullptr;
+    if (isCancelledUpload(sender())) {
+        return;
+    }
+    uploadThread = nullptr;
+    forgetProgress();
+    const auto *thread = qobject_cast<const WorkerThread *>(sender());
+    if (thread != nullptr && !thread->complained) {
+        // No box comes, and the button stays as it is.
+        ui->statusBar->showMessage(
+            glow::hint(QT_TRANSLATE_NOOP("Hints", "上傳沒有完成。%1")).arg(QString(thread->mend).replace(u'\n', u' ')));
     }
 }

@@ -4,9 +4,11 @@
 #include "forms/style.h"
 #include "show/wire/portnames.h"
 #include "show/wire/portscan.h"
+#include "show/wire/propmends.h"
 #include "ui_setup.h"
 
 #include <QDebug>
+#include <QLabel>
 #include <QSerialPort>
 #include <QTextBlock>
 #include <QTextCodec>
@@ -89,7 +91,9 @@ void setup::search(int waitMs)
         ui->MONITOR->insertPlainText(glow::portLabel(number) + QStringLiteral("not working."));
         qDebug() << glow::portLabel(number) << "not working.";
     };
-    switch (glow::scanPorts(*serial, portNumber, rules)) {
+    const glow::ScanResult result = glow::scanPorts(*serial, portNumber, rules);
+    showMend(glow::mendOf(result));
+    switch (result) {
     case glow::ScanResult::Found:
         ui->MONITOR->insertPlainText(glow::portLabel(portNumber) + tr("連接成功"));
         connect(serial, &QSerialPort::readyRead, this, &setup::read_to_monitor);
@@ -101,6 +105,19 @@ void setup::search(int waitMs)
     case glow::ScanResult::NoAnswer:
         break;
     }
+}
+
+// Below everything that stands in the dialog, which grows by it.
+void setup::showMend(const QString &mend)
+{
+    if (mend.isEmpty()) {
+        return;
+    }
+    auto *label = new QLabel(mend);
+    label->setObjectName(QStringLiteral("mend"));
+    label->setWordWrap(true);
+    ui->verticalLayout_46->addWidget(label);
+    resize(width(), height() + label->heightForWidth(width()));
 }
 
 void setup::read_to_monitor()

@@ -47,6 +47,7 @@ public:
 
 private:
     void search(int waitMs);
+    void showMend(const QString &mend);
     void showPending();
 
     std::unique_ptr<QTextDecoder> decoder; // UTF-8; a character may come in two pieces

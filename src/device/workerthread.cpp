@@ -1,6 +1,7 @@
 #include "device/workerthread.h"
 
 #include "show/image/imagefiles.h"
+#include "show/wire/propmends.h"
 #include "show/wire/upload.h"
 
 #include <QDeadlineTimer>
@@ -119,7 +120,9 @@ bool WorkerThread::findDevice()
 {
     delete serial;
     serial = new QSerialPort;
-    switch (glow::findProp(*serial, portIndex, hooks())) {
+    const glow::ScanResult found = glow::findProp(*serial, portIndex, hooks());
+    mend = glow::mendOf(found);
+    switch (found) {
     case glow::ScanResult::Found:
         return true;
     case glow::ScanResult::NoneOpen:
@@ -139,7 +142,9 @@ void WorkerThread::upload()
     header = std::make_unique<QFile>(glow::headerFile());
     if (findDevice()) {
         qDebug() << "port inited";
-        switch (glow::sendImage(*serial, *header, *frameData, hooks())) {
+        const glow::UploadEnd end = glow::sendImage(*serial, *header, *frameData, hooks());
+        mend = glow::mendOf(end);
+        switch (end) {
         case glow::UploadEnd::Sent:
             serial->close();
             hooks().progress(100);
@@ -165,5 +170,6 @@ void WorkerThread::upload()
 
 void WorkerThread::fail(const QString &message)
 {
+    complained = true;
     report([this, &message] { emit expmess(message); });
 }

@@ -31,6 +31,9 @@ public:
     QSerialPort *serial = nullptr; // made by findDevice on the worker thread
     quint8 uploadOk = 0;           // set only when the whole exchange has ended normally
 
+    QString mend;            // why the upload has not succeeded and what to do about it; see show/wire/propmends.h
+    bool complained = false; // by expmess; both are to be read once the thread has reported its end
+
     int waitMs = glow::propWaitMs; // how long the prop may take to speak, milliseconds; to be set before start()
 
     // True when serial is open on a port whose device has spoken.

@@ -4,7 +4,6 @@
 #include <QAbstractSlider>
 #include <QAbstractSpinBox>
 #include <QComboBox>
-#include <QCoreApplication>
 #include <QKeySequence>
 #include <QLabel>
 #include <QLineEdit>
@@ -67,11 +66,6 @@ QString shortcutOf(const QWidget *widget)
 }
 
 } // namespace
-
-QString hint(const char *source)
-{
-    return QCoreApplication::translate("Hints", source);
-}
 
 void addHints(QWidget *window)
 {

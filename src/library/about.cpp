@@ -99,6 +99,11 @@ void about::showTexts()
 {
     glow::addHints(this);
     ui->label_3->setText(QStringLiteral("Glowsmith ver") + QString::number(appVersion));
+    if (glow::updateUrl().isEmpty()) {
+        ui->pushButton_3->setText(glow::hint(QT_TRANSLATE_NOOP("Hints", "未設定更新位址")));
+        ui->pushButton_3->setToolTip(glow::hint(
+            QT_TRANSLATE_NOOP("Hints", "更新位址由 GLOWSMITH_UPDATE_URL 或 glowsmith.ini 的 update/url 設定")));
+    }
 }
 
 void about::offerEnglish(const std::function<void()> &speakEnglish)
@@ -159,11 +164,15 @@ void about::on_pushButton_2_clicked()
 
 void about::on_pushButton_3_clicked()
 {
+    const QUrl address = glow::updateUrl();
+    if (address.isEmpty()) {
+        return; // the button says so
+    }
     networkManager = new QNetworkAccessManager;
     managers.append(networkManager);
     ++unanswered;
     connect(networkManager, &QNetworkAccessManager::finished, this, &about::replyFinished);
-    reply = networkManager->get(QNetworkRequest(glow::updateUrl()));
+    reply = networkManager->get(QNetworkRequest(address));
 #if QT_VERSION >= QT_VERSION_CHECK(5, 15, 0)
     connect(reply, &QNetworkReply::errorOccurred, this, &about::slotError);
 #else

@@ -1,10 +1,12 @@
 // The picture tab: files and screen captures become the picture of a pattern.
 #include "app/mainwindow.h"
 
+#include "forms/statusnotes.h"
 #include "render/desktopgrab.h"
 #include "render/patternview.h"
 #include "render/screencapture.h"
 #include "show/base/appsettings.h"
+#include "show/base/hint.h"
 #include "show/base/startfolder.h"
 #include "show/draw/picturechain.h"
 #include "show/model/propvalues.h"
@@ -41,8 +43,12 @@ void MainWindow::picload(QString path)
     options.gap = ui->Pic_Slide->value();
     options.leds = ledCount;
     const glow::PictureResult result = glow::loadPicture(picPath, options);
-    if (result.tooBig) {
-        statusBar()->showMessage(tr("圖片尺寸過大，無法使用：") + QFileInfo(picPath).fileName());
+    const QString complaint = glow::hint(QT_TRANSLATE_NOOP("Hints", "無法讀取圖片："));
+    glow::retract(statusBar(), tr("圖片尺寸過大，無法使用："));
+    glow::retract(statusBar(), complaint);
+    if (result.image.isNull() && ledCount > 0) {
+        statusBar()->showMessage((result.tooBig ? tr("圖片尺寸過大，無法使用：") : complaint) +
+                                 QFileInfo(picPath).fileName());
     }
     patternWidth = result.columns;
     pictureWidth = result.columns;
@@ -72,8 +78,12 @@ void MainWindow::on_Pic_Loads_clicked()
         return;
     }
     int number = 0;
+    QStringList unusable;
     for (const QString &file : files) {
         picload(file);
+        if (picturePixmap.isNull()) {
+            unusable.append(QFileInfo(file).fileName());
+        }
         on_Add_Button_clicked();
         ++number;
         statusBar()->showMessage(tr("圖片讀取") + QString::number(number) + QLatin1Char('/') +
@@ -82,6 +92,12 @@ void MainWindow::on_Pic_Loads_clicked()
     }
     if (number > 0) {
         statusBar()->showMessage(tr("圖片讀取完成!!"));
+        glow::letGo(statusBar());
+        if (!unusable.isEmpty()) {
+            statusBar()->showMessage(
+                tr("圖片讀取完成!!") + u' ' +
+                glow::hint(QT_TRANSLATE_NOOP("Hints", "無法使用的圖片：%1")).arg(unusable.join(QStringLiteral(", "))));
+        }
         ui->Add_Button->setEnabled(true);
     }
 }

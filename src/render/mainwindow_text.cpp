@@ -1,6 +1,7 @@
 // The text tab, and the colour tab, which shares its colours.
 #include "app/mainwindow.h"
 
+#include "forms/statusnotes.h"
 #include "render/patternview.h"
 #include "render/textimage.h"
 #include "show/model/propvalues.h"
@@ -49,6 +50,8 @@ void MainWindow::on_text_Edit_textChanged(const QString &text)
     const glow::TextResult result = glow::renderText(options);
     if (result.tooLong) {
         statusBar()->showMessage(tr("文字過長，無法顯示"));
+    } else {
+        glow::retract(statusBar(), tr("文字過長，無法顯示"));
     }
     textPixmap = QPixmap::fromImage(result.image);
     previewInEditor(textPixmap);

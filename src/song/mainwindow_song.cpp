@@ -2,6 +2,8 @@
 #include "app/mainwindow.h"
 
 #include "forms/hints.h"
+#include "forms/statusnotes.h"
+#include "forms/timeleftlabel.h"
 #include "show/base/startfolder.h"
 #include "show/draw/waveform.h"
 #include "show/model/showtime.h"
@@ -43,6 +45,8 @@ constexpr int readNapUs = 50;
 
 // The show area is never shorter than this after a song was read.
 constexpr int leastShowMs = 300000;
+
+constexpr char goneSong[] = QT_TRANSLATE_NOOP("Hints", "找不到歌曲：%1");
 
 bool waitForBuffer(const QAudioDecoder &decoder)
 {
@@ -107,6 +111,8 @@ void MainWindow::on_SongRead_Button_clicked()
 
 void MainWindow::ReadSong(const QString &path)
 {
+    glow::retract(ui->statusBar, tr("無法解碼，請確認已安裝正確音訊解碼包"));
+    glow::retract(ui->statusBar, glow::hint(goneSong).section(u'%', 0, 0));
     ui->Song_dir->setText(path.mid(path.lastIndexOf(u'/') + 1));
     ui->Song_dir->setToolTip(path.toHtmlEscaped());
 
@@ -168,6 +174,7 @@ void MainWindow::endDecode()
 {
     const bool running = decoding;
     decoding = false;
+    timeLeft->end(TimeLeftLabel::Song);
     if (running) {
         audioDecoder->stop();
     }
@@ -207,13 +214,24 @@ void MainWindow::decodeFailed()
     qDebug() << "decode error" << audioDecoder->errorString();
     endDecode();
     waveSamples.clear();
-    ui->statusBar->showMessage(tr("無法解碼，請確認已安裝正確音訊解碼包"));
+    tellOfSong();
+}
+
+// No decoder can read a file that is gone.
+void MainWindow::tellOfSong()
+{
+    const QString path = audioDecoder->sourceFilename();
+    ui->statusBar->showMessage(QFileInfo::exists(path) ? tr("無法解碼，請確認已安裝正確音訊解碼包")
+                                                       : glow::hint(goneSong).arg(QDir::toNativeSeparators(path)));
 }
 
 void MainWindow::decoder_PositionChanged(qlonglong ms)
 {
     if (!isStaleDecode(sender()) && decodeProgress != nullptr) {
         decodeProgress->setValue(glow::wavePointsOfTime(ms));
+        if (decoding && audioDecoder->duration() > 0) {
+            timeLeft->follow(TimeLeftLabel::Song, double(ms) / double(audioDecoder->duration()));
+        }
     }
 }
 

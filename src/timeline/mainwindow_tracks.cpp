@@ -210,6 +210,15 @@ bool MainWindow::isTrackEmpty() const
     return currentTimeline->items.isEmpty();
 }
 
+QVector<QByteArray> MainWindow::trackBlobs() const
+{
+    QVector<QByteArray> blobs;
+    for (const TimelineItem *item : qAsConst(currentTimeline->items)) {
+        blobs.append(item->itemData);
+    }
+    return blobs;
+}
+
 QVector<glow::PatternRecord> MainWindow::sortedPatterns()
 {
     currentTimeline->sortItems();

@@ -131,6 +131,41 @@ private slots:
         }
     }
 
+    // A save under a name that does not open as a project: the copy stays until there is one that does.
+    void misfiledShowIsKept()
+    {
+        for (const QString way : {"saved as a project", "new show", "closed"}) {
+            add(patternBlob("1?#ff0000", 0));
+            window->hasFile = true;
+            window->currentFile = env->path("exported.bin");
+            window->on_actionSave_triggered();
+            QVERIFY(contentOf(window->currentFile).size() > 100 && !window->windowTitle().endsWith('*'));
+            QVERIFY(ui->statusBar->currentMessage().contains(window->currentFile));
+            QCOMPARE(kept(), 1);
+            DialogDriver driver;
+            if (way == "saved as a project") {
+                driver.answerFile({env->path("mine.gsw3")});
+                window->on_actionSaveas_triggered();
+            } else if (way == "new show") {
+                driver.answerBox(QMessageBox::Yes);
+                window->on_actionNew_triggered();
+                add(patternBlob("1?#ff0000", 0));
+                QCOMPARE(kept(), 2); // the new show has a place of its own
+                recovery->discard();
+            } else {
+                driver.answerBox(QMessageBox::No);
+                QVERIFY(window->close());
+            }
+            QVERIFY(driver.done());
+            QCOMPARE(keptFiles(), way == "saved as a project" ? 0 : 1);
+            for (const QString &file : QDir(folder()).entryList(QDir::Files)) {
+                QFile::remove(folder() + '/' + file);
+            }
+            delete recovery;
+            keepIn(std::make_unique<glow::RecoveryStore>(folder()));
+        }
+    }
+
     // Saving without a name saves nothing: what nobody has looked at yet is kept. What is refused goes.
     void closingDecides()
     {

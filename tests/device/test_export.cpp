@@ -81,6 +81,7 @@ void TestExport::namesOfTheFile()
         QVERIFY(driver.done());
         QCOMPARE(window->currentFile, env->path(row.second));
         QVERIFY(QFile::exists(window->currentFile));
+        QCOMPARE(ui->statusBar->currentMessage(), "已匯出：" + window->currentFile);
     }
 }
 
@@ -98,13 +99,14 @@ void TestExport::cancelledAndEmpty()
     QCOMPARE(window->currentFile, before);
     QVERIFY(!QFile::exists("extemp.tmp") && ui->GLWidget->isEnabled());
 
-    // Files that cannot be written are not reported here.
+    // Files that cannot be written are told in the status line alone.
     QVERIFY(QDir().mkpath("extemp.tmp") && QDir().mkpath("extemp2.tmp"));
     driver.answerFile({env->path("show.bin")});
     driver.answerBox(QMessageBox::Ok);
     window->on_Ex_Button_clicked();
     QVERIFY(driver.done());
     QCOMPARE(driver.boxes().last().text, QString("上傳完成"));
+    QVERIFY(ui->statusBar->currentMessage().startsWith("沒有匯出"));
 }
 
 void TestExport::longShowStaysQuick()

@@ -52,14 +52,15 @@ private slots:
             return QString::number(process.exitCode()) + ' ' +
                    QString::fromUtf8(process.readAllStandardOutput() + process.readAllStandardError());
         };
-        QCOMPARE(run(""), QString("1 No device detect!\n"));
+        const QString none = run("");
+        QVERIFY(none.startsWith("1 No device detect!\n") && none.contains("ModemManager"));
         start("--once --out got --link ports");
         qputenv("GLOWSMITH_PORT_PATTERN", "ports/COM%1"); // from the working directory
         QVERIFY(run("--slot 6").startsWith("0 sent 1 patterns"));
         QCOMPARE(endCode(), 0);
         QCOMPARE(contentOf("got/show-1.header") + contentOf("got/show-1.frames"), wholeUpload());
         start("--refuse --link ports");
-        QCOMPARE(run("--port ports/COM0"), QString("1 the prop refused the show (ERROR02)\n"));
+        QVERIFY(run("--port ports/COM0").startsWith("1 the prop refused the show (ERROR02)\n"));
     }
 
     void misbehavesAsAsked()

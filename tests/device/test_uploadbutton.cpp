@@ -1,5 +1,7 @@
 // The upload button: what the window shows and allows in each state of an upload.
 #include "device/devicetest.h"
+#include "show/wire/propmends.h"
+#include "show/wire/upload.h"
 
 #include <QPointer>
 #include <QRandomGenerator>
@@ -47,11 +49,15 @@ private slots:
         QCOMPARE(upload(), QString("無可上傳圖樣請選擇正確之時間軸"));
         QVERIFY(!QFile::exists("extemp.tmp"));
         addSeconds(3);
+        const QString tip = ui->Ex_Button->toolTip(); // while it is grey
         QCOMPARE(upload(), QString("<font color='white'>偵測不到裝置！</font>"));
-        QVERIFY(isAtRest());
+        QVERIFY(isAtRest() && ui->Ex_Button->toolTip() != tip);
+        QCOMPARE(more, glow::mendOf(glow::ScanResult::NoneOpen));
+        QVERIFY(more.contains("ModemManager") && more.contains("dialout"));
         {
             const Prop prop(0, greets("Wait", 20, "ERR"));
             QCOMPARE(upload(), QString("<font color='white'>ERROR02</font>"));
+            QCOMPARE(more, glow::mendOf(glow::UploadEnd::Refused));
             QVERIFY(isAtRest());
         }
         {
@@ -63,6 +69,7 @@ private slots:
             QCOMPARE(upload(false), QString("no box"));
             QCOMPARE(ui->UPload_Button->text(), sending);
             QVERIFY(!ui->GLWidget->isEnabled() && !ui->Ex_Button->isEnabled());
+            QVERIFY(ui->statusBar->currentMessage().contains(glow::mendOf(glow::UploadEnd::Broken)));
         }
         const Prop prop; // and a click starts anew
         QCOMPARE(upload(), "完成" + uploaded);
@@ -105,7 +112,7 @@ private slots:
 
 private:
     // A whole upload; the title and text of the box that it ends with.
-    QString upload(bool withBox = true) const
+    QString upload(bool withBox = true)
     {
         DialogDriver driver;
         if (withBox) {
@@ -113,9 +120,11 @@ private:
         }
         ui->UPload_Button->click();
         const auto isOver = [&] { return window->uploadThread == nullptr && driver.done(); };
-        return !QTest::qWaitFor(isOver, longest) ? "does not end"
-               : driver.boxes().isEmpty()        ? "no box"
-                                                 : driver.boxes().last().title + driver.boxes().last().text;
+        const bool ended = QTest::qWaitFor(isOver, longest);
+        more = driver.boxes().value(driver.boxes().size() - 1).more;
+        return !ended                     ? "does not end"
+               : driver.boxes().isEmpty() ? "no box"
+                                          : driver.boxes().last().title + driver.boxes().last().text;
     }
 
     // At rest, as after an upload that ended with a box.
@@ -148,6 +157,8 @@ private:
                box.text == box.title && window->uploadThread == nullptr && ui->progressBar->value() == 0 &&
                ui->UPload_Button->text() == rest && !ui->GLWidget->isEnabled();
     }
+
+    QString more; // under the text of the last upload's box
 };
 
 QTEST_MAIN(TestUploadButton)

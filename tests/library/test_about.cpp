@@ -110,6 +110,18 @@ private slots:
         }
     }
 
+    void withoutAnAddressNothingIsAsked()
+    {
+        qunsetenv("GLOWSMITH_UPDATE_URL");
+        const int unanswered = about::unansweredChecks();
+        DialogDriver driver;
+        about dialog;
+        dialog.ui->pushButton_3->click();
+        QVERIFY(dialog.networkManager == nullptr && driver.boxes().isEmpty());
+        QCOMPARE(dialog.ui->pushButton_3->text(), QString("未設定更新位址"));
+        QCOMPARE(about::unansweredChecks(), unanswered);
+    }
+
     void acceptedUpdateEndsWithOne()
     {
         QVERIFY(put("updater.exe", "#!/bin/sh\necho $# > updated\n"));

@@ -92,6 +92,14 @@ private slots:
             QCOMPARE(ui->GLWidget->pixelAt(10, 10), black);
         }
         QVERIFY(window->statusBar()->currentMessage().contains("flat.png"));
+        window->picload(file("a.png"));
+        QVERIFY(window->statusBar()->currentMessage().isEmpty());
+        DialogDriver driver;
+        driver.answerFile({env->path("broken.png"), file("a.png")});
+        ui->Pic_Loads->click();
+        QCOMPARE(window->statusBar()->currentMessage(), QString("圖片讀取完成!! 無法使用的圖片：broken.png"));
+        qDeleteAll(window->currentTimeline->items);
+        window->currentTimeline->items.clear();
         // A text beyond all bounds says so and is still a pattern.
         ui->Mode_Pic->setCurrentIndex(glow::TextPattern);
         ui->text_Edit->setText(QString(2000, QLatin1Char('W')));

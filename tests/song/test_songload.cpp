@@ -207,7 +207,8 @@ private slots:
             ui->statusBar->clearMessage();
             window->chartView->hide();
             read(path);
-            QCOMPARE(ui->statusBar->currentMessage(), QString("無法解碼，請確認已安裝正確音訊解碼包"));
+            QCOMPARE(ui->statusBar->currentMessage(),
+                     QFile::exists(path) ? QString("無法解碼，請確認已安裝正確音訊解碼包") : "找不到歌曲：" + path);
             QVERIFY2(!window->hasSong() && !window->chartView->isVisible() && !ui->Song_play->isEnabled() &&
                          window->chartView->chart() == before && dialogIsGoneForGood() && driver.boxes().isEmpty(),
                      qPrintable(path));

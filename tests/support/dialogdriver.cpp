@@ -80,7 +80,7 @@ void DialogDriver::poll()
         const QPushButton *standard = box->defaultButton();
         seenBoxes.append({box->windowTitle(), box->text(), box->standardButtons(),
                           standard != nullptr ? box->standardButton(box->defaultButton()) : QMessageBox::NoButton,
-                          box->icon()});
+                          box->icon(), box->informativeText()});
     } else if (auto *question = qobject_cast<QFileDialog *>(dialog)) {
         kind = Kind::File;
         seenFiles.append({question->windowTitle(), question->directory().path(), question->nameFilters()});

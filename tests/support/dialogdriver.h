@@ -33,6 +33,7 @@ public:
         QMessageBox::StandardButtons buttons;
         QMessageBox::StandardButton defaultButton;
         QMessageBox::Icon icon;
+        QString more; // the informative text
     };
     struct FileQuestion
     {

@@ -1,8 +1,8 @@
 // glowsmith-cli check: what the prop will not show as drawn.
 #include "cli.h"
 
+#include "show/image/findingwords.h"
 #include "show/image/showcheck.h"
-#include "show/model/showtime.h"
 
 #include <QJsonArray>
 #include <QJsonObject>
@@ -10,11 +10,6 @@
 namespace cli {
 
 namespace {
-
-QString span(int startMs, int endMs)
-{
-    return glow::timeText(glow::timeOf(startMs)) + QStringLiteral(" - ") + glow::timeText(glow::timeOf(endMs));
-}
 
 // A word for programs.
 QString wordOf(const glow::Finding &finding)
@@ -26,30 +21,6 @@ QString wordOf(const glow::Finding &finding)
     return words.at(finding.kind);
 }
 
-// A sentence for people.
-QString sentenceOf(const glow::Finding &finding)
-{
-    switch (finding.kind) {
-    case glow::Finding::LeadIn:
-        return QStringLiteral("the first %1 ms before the first pattern are left out").arg(finding.amount);
-    case glow::Finding::BeforeStart:
-        return QStringLiteral("the first pattern begins %1 ms before the start mark").arg(finding.amount);
-    case glow::Finding::Overlap:
-        return QStringLiteral("two patterns overlap by %1 ms: everything behind comes later").arg(finding.amount);
-    case glow::Finding::Gap:
-        return QStringLiteral("a gap of %1 ms is left out: everything behind comes earlier").arg(finding.amount);
-    case glow::Finding::ShortColour:
-        return QStringLiteral("a colour of less than %1 ms is not shown").arg(finding.limit);
-    case glow::Finding::NoColumns:
-        return QStringLiteral("the pattern is too short to get a column and is not shown");
-    case glow::Finding::Entries:
-        return QStringLiteral("%1 entries: the prop's header counts at most %2").arg(finding.amount).arg(finding.limit);
-    case glow::Finding::Header:
-        return QStringLiteral("the header takes %1 bytes, the prop reads %2").arg(finding.amount).arg(finding.limit);
-    }
-    return {};
-}
-
 QJsonObject asJson(const QVector<glow::Finding> &findings, const glow::DeviceShow &show,
                    const QVector<glow::ImageEntry> &entries)
 {
@@ -58,7 +29,7 @@ QJsonObject asJson(const QVector<glow::Finding> &findings, const glow::DeviceSho
         list.append(QJsonObject{{QStringLiteral("kind"), wordOf(finding)},
                                 {QStringLiteral("startMs"), finding.startMs},
                                 {QStringLiteral("endMs"), finding.endMs},
-                                {QStringLiteral("text"), sentenceOf(finding)}});
+                                {QStringLiteral("text"), glow::sentenceOf(finding)}});
     }
     QJsonArray drifts;
     for (const glow::ImageEntry &entry : entries) {
@@ -76,9 +47,7 @@ void printPlain(const QVector<glow::Finding> &findings, const glow::DeviceShow &
                 const QVector<glow::ImageEntry> &entries)
 {
     for (const glow::Finding &finding : findings) {
-        const QString when =
-            finding.startMs == finding.endMs ? QString() : span(finding.startMs, finding.endMs) + QStringLiteral("  ");
-        print(when + sentenceOf(finding));
+        print(glow::lineOf(finding));
     }
     print(QStringLiteral("entry  pattern  repeats  frames  drift behind it"));
     int number = 0;

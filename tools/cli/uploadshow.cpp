@@ -3,6 +3,7 @@
 #include "progressbar.h"
 
 #include "show/image/imagefiles.h"
+#include "show/wire/propmends.h"
 #include "show/wire/upload.h"
 
 #include <QFile>
@@ -27,7 +28,8 @@ bool useOnly(const QString &port, const QTemporaryDir &folder)
     return true;
 }
 
-// Why there was no upload; empty if there was one. Blocks: the progress is drawn as it goes.
+// Why there was no upload, and below it what mends that; empty if there was one. Blocks: the progress is drawn as it
+// goes.
 QString sendToProp(QFileDevice &header, QFileDevice &frameData)
 {
     ProgressBar bar;
@@ -35,13 +37,14 @@ QString sendToProp(QFileDevice &header, QFileDevice &frameData)
     hooks.progress = [&bar](int percent) { bar.show(percent); };
     QSerialPort port;
     int number = 0;
-    switch (glow::findProp(port, number, hooks)) {
+    const glow::ScanResult found = glow::findProp(port, number, hooks);
+    switch (found) {
     case glow::ScanResult::Found:
         break;
     case glow::ScanResult::NoneOpen:
-        return QStringLiteral("No device detect!");
+        return QStringLiteral("No device detect!\n") + glow::mendOf(found);
     case glow::ScanResult::NoAnswer:
-        return QStringLiteral("the prop did not finish");
+        return QStringLiteral("the prop did not finish\n") + glow::mendOf(found);
     }
     const glow::UploadEnd end = glow::sendImage(port, header, frameData, hooks);
     port.close();
@@ -51,13 +54,13 @@ QString sendToProp(QFileDevice &header, QFileDevice &frameData)
     }
     switch (end) {
     case glow::UploadEnd::FilesUnreadable:
-        return QStringLiteral("export error!");
+        return QStringLiteral("export error!\n") + glow::mendOf(end);
     case glow::UploadEnd::NoReply:
-        return QStringLiteral("the prop did not answer (ERROR01)");
+        return QStringLiteral("the prop did not answer (ERROR01)\n") + glow::mendOf(end);
     case glow::UploadEnd::Refused:
-        return QStringLiteral("the prop refused the show (ERROR02)");
+        return QStringLiteral("the prop refused the show (ERROR02)\n") + glow::mendOf(end);
     default:
-        return QStringLiteral("the prop did not finish");
+        return QStringLiteral("the prop did not finish\n") + glow::mendOf(end);
     }
 }
 

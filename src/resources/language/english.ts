@@ -721,6 +721,228 @@ The file is as it was. Please save under another name.</translation>
         <source>未儲存光舞的副本：%1</source>
         <translation>Copy of an unsaved show: %1</translation>
     </message>
+    <message>
+        <source>已移除。「復原」收回的是移除之前的那次變更；先「復原」再「重作」，圖樣就會回來</source>
+        <translation>Removed. Undo takes back the change before the removal; Undo and then Redo bring the pattern back</translation>
+    </message>
+    <message>
+        <source>已移除。「復原」無法讓它回來</source>
+        <translation>Removed. Undo cannot bring it back</translation>
+    </message>
+    <message>
+        <source>沒有存檔：%1（%2）</source>
+        <translation>Not saved: %1 (%2)</translation>
+    </message>
+    <message>
+        <source>已存檔：%1</source>
+        <translation>saved: %1</translation>
+    </message>
+    <message>
+        <source>光舞存到了 %1，這個檔名無法再當專案開啟：請用「另存新檔」（Ctrl+Shift+S）存成 .gsw3</source>
+        <translation>The show went to %1, a name that does not open as a project: use Save as (Ctrl+Shift+S) to save it as .gsw3</translation>
+    </message>
+    <message>
+        <source>無法讀取：%1</source>
+        <translation>Cannot be read: %1</translation>
+    </message>
+    <message>
+        <source>檔案不存在：%1</source>
+        <translation>No such file: %1</translation>
+    </message>
+    <message>
+        <source>%1 裡是 .gsw3 專案，卻因檔名被當成舊文字檔讀取：請將檔名改為 .gsw3 再開啟</source>
+        <translation>%1 holds a .gsw3 project but was read as old text because of its name: rename it to .gsw3 and open it again</translation>
+    </message>
+    <message>
+        <source>檢查光舞</source>
+        <translation>Check show</translation>
+    </message>
+    <message>
+        <source>檢查結果</source>
+        <translation>what was found</translation>
+    </message>
+    <message>
+        <source>雙擊移到該處</source>
+        <translation>A double click goes to the place</translation>
+    </message>
+    <message>
+        <source>重新檢查</source>
+        <translation>Check again</translation>
+    </message>
+    <message>
+        <source>關閉</source>
+        <translation>Close</translation>
+    </message>
+    <message>
+        <source>目前的軌道沒有圖樣。</source>
+        <translation>The current track holds no pattern.</translation>
+    </message>
+    <message>
+        <source>沒有發現問題：道具會照目前的軌道播放。</source>
+        <translation>Nothing found: the prop plays the current track as drawn.</translation>
+    </message>
+    <message>
+        <source>道具播放目前的軌道時，有 %1 處與畫面不同。雙擊移到該處。</source>
+        <translation>The prop will not play the current track as drawn in %1 places. A double click goes to the place.</translation>
+    </message>
+    <message>
+        <source>檢查光舞...</source>
+        <translation>Check show...</translation>
+    </message>
+    <message>
+        <source>列出目前軌道中道具不會照畫面播放的地方</source>
+        <translation>Lists where the prop will not play the current track as drawn</translation>
+    </message>
+    <message>
+        <source>磁碟已滿</source>
+        <translation>the disk is full</translation>
+    </message>
+    <message>
+        <source>將目前的軌道存成 .bin 檔</source>
+        <translation>Writes the current track to a .bin file</translation>
+    </message>
+    <message>
+        <source>先按一次「上傳至道具」，結束後（成功與否皆可）才能匯出</source>
+        <translation>Press "upload to device" first: export is possible once an upload has ended, whether it succeeded or not</translation>
+    </message>
+    <message>
+        <source>已匯出：%1</source>
+        <translation>exported: %1</translation>
+    </message>
+    <message>
+        <source>沒有匯出：%1（%2）</source>
+        <translation>Not exported: %1 (%2)</translation>
+    </message>
+    <message>
+        <source>立即清除道具的記憶體，不再詢問</source>
+        <translation>Erases the memory of the prop at once, without a question</translation>
+    </message>
+    <message>
+        <source>沒有更新韌體：連接埠打得開，但沒有道具說話</source>
+        <translation>Firmware not updated: a port opens, but no prop speaks</translation>
+    </message>
+    <message>
+        <source>沒有更新韌體：無法執行 %1</source>
+        <translation>Firmware not updated: cannot run %1</translation>
+    </message>
+    <message>
+        <source>上傳沒有完成。%1</source>
+        <translation>The upload was not finished. %1</translation>
+    </message>
+    <message>
+        <source>未設定更新位址</source>
+        <translation>no update address is set</translation>
+    </message>
+    <message>
+        <source>更新位址由 GLOWSMITH_UPDATE_URL 或 glowsmith.ini 的 update/url 設定</source>
+        <translation>The address is set by GLOWSMITH_UPDATE_URL or by update/url in glowsmith.ini</translation>
+    </message>
+    <message>
+        <source>無法讀取圖片：</source>
+        <translation>This picture cannot be read: </translation>
+    </message>
+    <message>
+        <source>無法使用的圖片：%1</source>
+        <translation>Pictures that cannot be used: %1</translation>
+    </message>
+    <message>
+        <source>約剩 %1 秒</source>
+        <translation>about %1 s left</translation>
+    </message>
+    <message>
+        <source>約剩 %1:%2</source>
+        <translation>about %1:%2 left</translation>
+    </message>
+    <message>
+        <source>第一個圖樣前的 %1 毫秒空白會被略過</source>
+        <translation>the first %1 ms before the first pattern are left out</translation>
+    </message>
+    <message>
+        <source>第一個圖樣比起點標記早 %1 毫秒開始</source>
+        <translation>the first pattern begins %1 ms before the start mark</translation>
+    </message>
+    <message>
+        <source>兩個圖樣重疊 %1 毫秒：之後的都會延後</source>
+        <translation>two patterns overlap by %1 ms: everything behind comes later</translation>
+    </message>
+    <message>
+        <source>%1 毫秒的空白會被略過：之後的都會提前</source>
+        <translation>a gap of %1 ms is left out: everything behind comes earlier</translation>
+    </message>
+    <message>
+        <source>短於 %1 毫秒的單色不會顯示</source>
+        <translation>a colour of less than %1 ms is not shown</translation>
+    </message>
+    <message>
+        <source>圖樣太短，連一行都分不到，不會顯示</source>
+        <translation>the pattern is too short to get a column and is not shown</translation>
+    </message>
+    <message>
+        <source>共 %1 段，道具最多只能數到 %2 段</source>
+        <translation>%1 entries: the prop's header counts at most %2</translation>
+    </message>
+    <message>
+        <source>光舞的目錄有 %1 位元組，道具只讀 %2 位元組</source>
+        <translation>the header takes %1 bytes, the prop reads %2</translation>
+    </message>
+    <message>
+        <source>・驅動程式：道具須在裝置管理員中以 COM 埠出現，否則安裝驅動程式。</source>
+        <translation>• Driver: the prop must show as a COM port in the device manager, else install its driver.</translation>
+    </message>
+    <message>
+        <source>・權限：帳號須屬於群組 dialout（sudo adduser $USER dialout，再重新登入）。
+・ModemManager：插上後數秒內會占住連接埠，稍候再試。</source>
+        <translation>• Permission: your account must be in the group dialout (sudo adduser $USER dialout, then log in again).
+• ModemManager: it holds the port for some seconds after plugging in; wait and try again.</translation>
+    </message>
+    <message>
+        <source>・傳輸線：改用能傳資料的線，重新插上道具，打開電源並等它開機。
+・其他程式：連接埠一次只能給一個程式用，請關閉其他序列埠程式。</source>
+        <translation>• Cable: use one that carries data, plug the prop in again, switch it on and wait until it has started.
+• Another program: only one can hold the port; close other serial programs.</translation>
+    </message>
+    <message>
+        <source>・連接埠打得開，但沒有道具說話：重新插上道具，等它開機後再試。
+・拔除其他序列裝置，每個不說話的連接埠要等 5 秒。</source>
+        <translation>• A port opens, but no prop speaks: plug the prop in again, wait until it has started, try again.
+• Unplug other serial devices; each silent port costs 5 seconds.</translation>
+    </message>
+    <message>
+        <source>・暫存檔 extemp.tmp 與 extemp2.tmp 寫不進工作資料夾 %1。
+・磁碟已滿：騰出空間。沒有寫入權限：從可寫入的資料夾啟動程式。</source>
+        <translation>• The temporary files extemp.tmp and extemp2.tmp cannot be written to the working folder %1.
+• Disk full: make room. No permission: start the program in a folder that you can write to.</translation>
+    </message>
+    <message>
+        <source>・裝置打了招呼，卻沒有回應上傳：重新插上道具再試。
+・其他程式（例如剛插上時的 ModemManager）可能也在讀這個連接埠。
+・它可能不是道具：拔除其他序列裝置。</source>
+        <translation>• The device greeted but did not answer the upload: plug the prop in again and retry.
+• Another program (such as ModemManager just after plugging in) may be reading the same port.
+• It may be no prop: unplug other serial devices.</translation>
+    </message>
+    <message>
+        <source>・道具拒收這個光舞：在「輸出至」改選其他軌道。
+・記憶體可能已滿：「其他 → 清除記憶體」清除後再上傳。
+・重新啟動道具再試。</source>
+        <translation>• The prop refused the show: choose another track of the prop beside the progress bar.
+• Its memory may be full: setting → wipe memory, then upload again.
+• Restart the prop and retry.</translation>
+    </message>
+    <message>
+        <source>・傳輸中斷線：檢查傳輸線，重新插上道具再上傳。</source>
+        <translation>• The connection broke: check the cable, plug the prop in again and upload once more.</translation>
+    </message>
+    <message>
+        <source>・道具沒有確認已清除：重新插上道具，等它開機後再試。
+・其他程式可能占用連接埠：請關閉。</source>
+        <translation>• The prop has not confirmed the wipe: plug it in again, wait until it has started, try again.
+• Another program may hold the port: close it.</translation>
+    </message>
+    <message>
+        <source>找不到歌曲：%1</source>
+        <translation>The song is gone: %1</translation>
+    </message>
 </context>
 <context>
     <name>Film</name>

@@ -11,7 +11,6 @@ namespace glow {
 namespace {
 
 // The host names end in ".invalid", a domain that is reserved for never existing.
-const char *const defaultUpdate = "http://www.glowsmith.invalid:80/version";
 const char *const defaultStore = "http://store.glowsmith.invalid/";
 const char *const defaultSite = "http://www.glowsmith.invalid/";
 
@@ -39,7 +38,7 @@ QUrl address(const char *variable, const QString &key, const char *fallback)
 
 QUrl updateUrl()
 {
-    return address("GLOWSMITH_UPDATE_URL", QStringLiteral("update/url"), defaultUpdate);
+    return address("GLOWSMITH_UPDATE_URL", QStringLiteral("update/url"), "");
 }
 
 QUrl storeUrl()

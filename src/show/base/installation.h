@@ -11,9 +11,9 @@ namespace glow {
 //   1. the environment: GLOWSMITH_UPDATE_URL, GLOWSMITH_STORE_URL, GLOWSMITH_SITE_URL, whole URLs;
 //   2. the configuration file, in INI form, keys "update/url", "store/url", "site/url": "glowsmith.ini" beside the
 //      program, or else "glowsmith/glowsmith.ini" in the system's configuration directories;
-//   3. a built-in address that leads nowhere.
+//   3. a built-in address that leads nowhere; none for updates.
 
-// Where the latest version is asked for with a plain HTTP GET.
+// Where the latest version is asked for with a plain HTTP GET; empty where no address is configured.
 QUrl updateUrl();
 
 // The store's page.

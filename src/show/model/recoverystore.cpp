@@ -69,6 +69,11 @@ std::optional<UnsavedShow> readUnsaved(const QByteArray &bytes)
 RecoveryStore::RecoveryStore(const QString &dataFolder)
     : folder(dataFolder)
 {
+    takePlace();
+}
+
+void RecoveryStore::takePlace()
+{
     if (!QDir().mkpath(folder)) {
         return;
     }
@@ -134,6 +139,13 @@ void RecoveryStore::remove()
         QFile::remove(own);
     }
     forgetLeftover();
+}
+
+void RecoveryStore::setAside()
+{
+    own.clear();
+    lock.reset();
+    takePlace();
 }
 
 } // namespace glow

@@ -48,7 +48,12 @@ public:
     // Removes what this program wrote, and a leftover that it has not forgotten yet.
     void remove();
 
+    // Leaves what this program wrote to the next start and takes another place.
+    void setAside();
+
 private:
+    void takePlace();
+
     QString folder;
     QString own;
     QString leftover;

@@ -19,4 +19,7 @@ QString portName(int number);
 // What the user reads: the name behind its last "/".
 QString portLabel(int number);
 
+// Why a port that is there may not open on this system, and what mends it, in the user's language; lines of text.
+QString portAccessMend();
+
 } // namespace glow
