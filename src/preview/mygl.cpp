@@ -9,6 +9,11 @@
 
 namespace {
 
+// How often the preview looks whether it is to be painted, in milliseconds: as fast as the system allows, or soon
+// enough after a change while nothing moves.
+constexpr int frameMs = 1;
+constexpr int stillMs = 20;
+
 // Stands in for the OpenGL surface. It repaints at a pace that leaves the event loop time for everything else, since
 // such a system is often a slow one.
 class RasterSurface : public QWidget
@@ -73,12 +78,18 @@ MyGL::MyGL(QWidget *parent)
     setMaximumSize(9999, 9999);
 
     connect(&repaintTimer, &QTimer::timeout, this, [this] {
-        if (!skipFrame()) {
+        const bool isStill = skipFrame();
+        if (!isStill) {
             update();
+        }
+        // To be woken a thousand times a second costs more than all that is left to do.
+        const int interval = isStill ? stillMs : frameMs;
+        if (repaintTimer.interval() != interval) {
+            repaintTimer.setInterval(interval);
         }
     });
     connect(&fpsTimer, &QTimer::timeout, this, &MyGL::update_fps);
-    repaintTimer.start(1);
+    repaintTimer.start(frameMs);
     fpsTimer.start(500);
 
     if (!systemHasOpenGL() && parent != nullptr) {
