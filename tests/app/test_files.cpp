@@ -59,6 +59,10 @@ private slots:
         qToBigEndian<quint32>(60000, huge.data() + header);
         qToBigEndian<quint32>(60000, huge.data() + header + 4);
         QVERIFY(glow::readPattern(huge).thumbnail.isNull());
+
+        glow::PatternRecord longText = back;
+        longText.thumbnail = back.thumbnail.scaled(32767, 85);
+        QCOMPARE(glow::readPattern(glow::writePattern(longText)).thumbnail.width(), 32767);
     }
 
     void repeatsFollowTheirTwoRules()
@@ -173,6 +177,23 @@ private slots:
                 QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden).size(), old == 0 ? 0 : 1);
             }
         }
+    }
+
+    // Written straight, where no other file may be made: what stood there is put back when the disk is full.
+    void fullDiskKeepsAFileInALockedFolder()
+    {
+        const QTemporaryDir dir;
+        const QString path = dir.filePath("show.gsw3");
+        QVERIFY(put(path, QByteArray(49900, 'o')));
+        const LockedFolder folder(dir.path(), path);
+        QVERIFY(folder.isReady);
+        if (SmallDisk::works && LockedFolder::works) {
+            const SmallDisk disk(50000);
+            QCOMPARE(glow::writeWholeFile(path, QByteArray(50100, 'n')).state, WriteResult::Failed);
+            QCOMPARE(contentOf(path), QByteArray(49900, 'o'));
+        }
+        QCOMPARE(glow::writeWholeFile(path, "short").state, WriteResult::Written);
+        QCOMPARE(contentOf(path), QByteArray("short"));
     }
 
     void writingKeepsLinksAndRefusesWhatIsNoFile()

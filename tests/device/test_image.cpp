@@ -200,6 +200,8 @@ private slots:
         // 255*255/750 = 86, 100*100/750 = 13, 27*27/750 = 0, 28*28/750 = 1
         QVERIFY(imageOf(show).data.startsWith(QByteArray::fromHex("FF560D00560D00FE")));
         QVERIFY(imageOf(show).data.endsWith(QByteArray::fromHex("FE560D01560D01FF")));
+        show.ledsShown = 71;
+        QVERIFY(imageOf(show).data.startsWith(QByteArray::fromHex("FF560D00")));
         show.ledsShown = 70; // the field decides; divisor 265: 245, 37, 2, 2
         QVERIFY(imageOf(show).data.startsWith(QByteArray::fromHex("FFF52502F52502FE")));
         QVERIFY(imageOf(show).data.endsWith(QByteArray::fromHex("FEF52502F52502FF")));

@@ -2,6 +2,7 @@
 #include "show/draw/rulerticks.h"
 #include "show/model/collision.h"
 #include "show/model/dragheader.h"
+#include "show/model/repeatrules.h"
 #include "show/model/snapping.h"
 #include "show/model/timescale.h"
 
@@ -118,6 +119,35 @@ private slots:
         QCOMPARE(glow::timeOfPixel(3355443), 21474836);
         msPerPixel = 4.4F;
         QVERIFY(glow::pixelOfTime(1000) == 227 && glow::pixelOfTime(1010) == 230); // 227.27, 229.55
+    }
+
+    // The limits of the zoom themselves belong to the nearer view.
+    void ticksThinOutWithTheZoom()
+    {
+        using Ticks = std::tuple<float, QString, QString>; // of number 1, 10, 50, 100, 500; of number 20, 100, 200, 500
+        for (const auto &[zoom, lines, labels] : {Ticks{2.5F, "SMMLL", ".:::"},
+                                                  {2.6F, "SMMLL", " :::"},
+                                                  {5.0F, "SMMLL", " :::"},
+                                                  {5.1F, " MMLL", " :::"},
+                                                  {10.1F, " MMLL", "  : "},
+                                                  {23.0F, " MMLL", "  : "},
+                                                  {23.1F, "  MML", "   :"}}) {
+            QString line;
+            QString label;
+            for (const int index : {1, 10, 50, 100, 500})
+                line += QString(" LMS").at(int(glow::lineOfTick(index, zoom)));
+            for (const int index : {20, 100, 200, 500})
+                label += QString(" :.").at(int(glow::labelOfTick(index, zoom)));
+            QCOMPARE(line + label, lines + labels);
+        }
+    }
+
+    void placedRepeatsAreRounded()
+    {
+        // 1000 ms at speed 10 and a width of 100: 10 copies; at the higher rates twice as many.
+        for (const auto &[ms, repeats] : {std::pair(1000, 10), {1049, 10}, {1050, 11}, {0, 1}})
+            QCOMPARE(glow::placedRepeat(ms, 10, 100, 1000.0F), repeats);
+        QCOMPARE(glow::placedRepeat(1000, 10, 100, 2100.0F), 20);
     }
 
     void tickPositionsAreTheSumsFromZero()

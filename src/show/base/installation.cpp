@@ -51,14 +51,11 @@ QUrl siteUrl()
     return address("GLOWSMITH_SITE_URL", QStringLiteral("site/url"), defaultSite);
 }
 
-QString manualPage(const QString &name)
+QString manualFile()
 {
-    const QString page = QStringLiteral("glowsmith/") + name;
-    const QString beside =
-        QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../share/") + page);
-    const QString shared =
-        QFileInfo(beside).isFile() ? QString() : QStandardPaths::locate(QStandardPaths::GenericDataLocation, page);
-    return shared.isEmpty() ? beside : shared;
+    const QString path =
+        QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../share/doc/glowsmith/README.md"));
+    return QFileInfo::exists(path) ? path : QString();
 }
 
 } // namespace glow

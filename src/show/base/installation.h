@@ -1,5 +1,4 @@
-// What differs from one installation of the program to the next: the addresses that it opens, and where its manual
-// lies.
+// What differs from one installation of the program to the next: the addresses that it opens.
 #pragma once
 
 #include <QString>
@@ -23,9 +22,7 @@ QUrl storeUrl();
 // The maker's web site.
 QUrl siteUrl();
 
-// Where a page of the manual lies, such as "manual.en.html" (docs/CMakeLists.txt): in "share/glowsmith" beside the
-// program's folder, as installed and as built, or else in "glowsmith" of the system's data folders. Where it is in none
-// of them: where it should be, a path that names no file.
-QString manualPage(const QString &name);
+// Where the document for users was installed; empty if it was not.
+QString manualFile();
 
 } // namespace glow
