@@ -8,6 +8,7 @@
 #include "forms/statusnotes.h"
 #include "forms/style.h"
 #include "forms/timeleftlabel.h"
+#include "library/help.h"
 #include "show/base/appsettings.h"
 #include "show/base/resources.h"
 #include "show/draw/randomdraw.h"
@@ -107,6 +108,7 @@ void MainWindow::setUpForm()
     warnOfWipe();
     timeLeft = new TimeLeftLabel(ui->statusBar);
     allowExport(false);
+    glow::addHelp(ui->menu_2, ui->statusBar);
     // A fresh window starts at its left.
     ui->Mode_Pic->setFocus();
     patternWidth = ui->Leds->value();

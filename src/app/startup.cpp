@@ -73,13 +73,7 @@ std::optional<UnsavedShow> wantedBack(RecoveryStore &store)
     if (!show.has_value()) {
         return std::nullopt;
     }
-    QMessageBox box(QMessageBox::Question, QStringLiteral("Glowsmith"),
-                    QStringLiteral("<font color='white'>發現上次未儲存的光舞，是否復原？<br>"
-                                   "An unsaved show was found. Restore it?</font>"),
-                    QMessageBox::Yes | QMessageBox::No);
-    box.setDefaultButton(QMessageBox::Yes);
-    applyStyle(&box);
-    if (box.exec() == QMessageBox::Yes) {
+    if (wantsUnsavedBack()) {
         return show;
     }
     store.forgetLeftover();
@@ -142,6 +136,17 @@ int runProgram()
 }
 
 } // namespace
+
+bool wantsUnsavedBack()
+{
+    QMessageBox box(QMessageBox::Question, QStringLiteral("Glowsmith"),
+                    QStringLiteral("<font color='white'>發現上次未儲存的光舞，是否復原？<br>"
+                                   "An unsaved show was found. Restore it?</font>"),
+                    QMessageBox::Yes | QMessageBox::No);
+    box.setDefaultButton(QMessageBox::Yes);
+    applyStyle(&box);
+    return box.exec() == QMessageBox::Yes;
+}
 
 int runGlowsmith(int argc, char **argv)
 {

@@ -8,4 +8,7 @@ namespace glow {
 // 0 if the start dialog ends the program.
 int runGlowsmith(int argc, char **argv);
 
+// The question at the start after a run that went down: whether its show is wanted back.
+bool wantsUnsavedBack();
+
 } // namespace glow

@@ -47,13 +47,14 @@ QByteArray bodyOf(QNetworkReply *reply)
 // What the about box says: the licence, whose work is in the program, and where things are.
 QString particularsText()
 {
-    const QString manual = glow::manualFile();
+    const QString manual = glow::manualPage(glow::hint("manual.zh-TW.html"));
     const QStringList lines{
         glow::hint(QT_TRANSLATE_NOOP("Hints", "授權：GPL-3.0-or-later，不附任何擔保")),
         glow::hint(QT_TRANSLATE_NOOP("Hints", "程式庫：Qt %1（LGPL-3.0）；聲音由 GStreamer（LGPL-2.1）解碼"))
             .arg(QLatin1String(qVersion())),
         glow::hint(QT_TRANSLATE_NOOP("Hints", "手冊：%1"))
-            .arg(manual.isEmpty() ? QStringLiteral("man glowsmith") : manual + QStringLiteral(", man glowsmith")),
+            .arg(QFileInfo(manual).isFile() ? QDir::toNativeSeparators(manual) + QStringLiteral(" (F1), man glowsmith")
+                                            : QStringLiteral("man glowsmith")),
         glow::hint(QT_TRANSLATE_NOOP("Hints", "未儲存光舞的副本：%1"))
             .arg(QDir::toNativeSeparators(glow::RecoveryStore::standardFolder()))};
     return lines.join(u'\n');

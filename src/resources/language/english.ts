@@ -690,6 +690,38 @@ The file is as it was. Please save under another name.</translation>
         <translation>Quit</translation>
     </message>
     <message>
+        <source>使用手冊</source>
+        <translation>Manual</translation>
+    </message>
+    <message>
+        <source>按鍵與滑鼠</source>
+        <translation>Keys and mouse</translation>
+    </message>
+    <message>
+        <source>在瀏覽器開啟使用手冊，不需網路</source>
+        <translation>Opens the manual in the browser; no network is needed</translation>
+    </message>
+    <message>
+        <source>在瀏覽器開啟按鍵與滑鼠手勢的一覽表</source>
+        <translation>Opens the table of keys and mouse gestures in the browser</translation>
+    </message>
+    <message>
+        <source>manual.zh-TW.html</source>
+        <translation>manual.en.html</translation>
+    </message>
+    <message>
+        <source>keys.zh-TW.html</source>
+        <translation>keys.en.html</translation>
+    </message>
+    <message>
+        <source>使用手冊沒有安裝：缺少檔案 %1</source>
+        <translation>The manual is not installed: the file %1 is missing</translation>
+    </message>
+    <message>
+        <source>無法開啟瀏覽器，請自行開啟 %1</source>
+        <translation>No browser could be started; please open %1 yourself</translation>
+    </message>
+    <message>
         <source>最近的專案</source>
         <translation>Recent projects</translation>
     </message>

@@ -51,11 +51,14 @@ QUrl siteUrl()
     return address("GLOWSMITH_SITE_URL", QStringLiteral("site/url"), defaultSite);
 }
 
-QString manualFile()
+QString manualPage(const QString &name)
 {
-    const QString path =
-        QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../share/doc/glowsmith/README.md"));
-    return QFileInfo::exists(path) ? path : QString();
+    const QString page = QStringLiteral("glowsmith/") + name;
+    const QString beside =
+        QDir::cleanPath(QCoreApplication::applicationDirPath() + QStringLiteral("/../share/") + page);
+    const QString shared =
+        QFileInfo(beside).isFile() ? QString() : QStandardPaths::locate(QStandardPaths::GenericDataLocation, page);
+    return shared.isEmpty() ? beside : shared;
 }
 
 } // namespace glow

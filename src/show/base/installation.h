@@ -1,4 +1,5 @@
-// What differs from one installation of the program to the next: the addresses that it opens.
+// What differs from one installation of the program to the next: the addresses that it opens, and where its manual
+// lies.
 #pragma once
 
 #include <QString>
@@ -22,7 +23,9 @@ QUrl storeUrl();
 // The maker's web site.
 QUrl siteUrl();
 
-// Where the document for users was installed; empty if it was not.
-QString manualFile();
+// Where a page of the manual lies, such as "manual.en.html" (docs/CMakeLists.txt): in "share/glowsmith" beside the
+// program's folder, as installed and as built, or else in "glowsmith" of the system's data folders. Where it is in none
+// of them: where it should be, a path that names no file.
+QString manualPage(const QString &name);
 
 } // namespace glow
