@@ -60,6 +60,10 @@ private slots:
         // The item's own menu takes no snapshot; its change is kept all the same.
         window->currentTimeline->items.first()->on_itemDelete_clicked();
         QCOMPARE(kept(), 1);
+        window->on_actionSave_triggered();
+        QCOMPARE(keptFiles(), 0);
+        window->ReadSong("/gone.wav"); // another song alone is a change too
+        QCOMPARE(kept(), 1);
     }
 
     void leftoverComesBackAsItWas()
