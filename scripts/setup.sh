@@ -3,7 +3,7 @@
 build_packages=(
     g++ cmake ninja-build
     qtbase5-dev qtmultimedia5-dev libqt5multimedia5-plugins libqt5charts5-dev libqt5serialport5-dev libqt5svg5-dev
-    qttools5-dev qttools5-dev-tools
+    qttools5-dev qttools5-dev-tools libqm-dsp-dev
     gstreamer1.0-plugins-base gstreamer1.0-plugins-good gstreamer1.0-plugins-ugly gstreamer1.0-libav
     fonts-noto-cjk libgl1-mesa-dri qttranslations5-l10n
 )

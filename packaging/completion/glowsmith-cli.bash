@@ -1,7 +1,7 @@
 # bash completion for glowsmith-cli
 _glowsmith_cli() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]} options=
-    local commands="info check export show relink pictures upload film"
+    local commands="info check export show relink pictures upload film beats"
     if [ "$COMP_CWORD" -eq 1 ]; then
         mapfile -t COMPREPLY < <(compgen -W "$commands help --help --version" -- "$word")
         return
@@ -25,11 +25,14 @@ _glowsmith_cli() {
         relink) options="--pictures --help" ;;
         pictures) options="-o --help" ;;
         upload) options="$track --port --help" ;;
+        beats) options="--json --help" ;;
         film) options="-o --track --all-tracks --from --to --size --fps --no-song --time-code --help" ;;
     esac
+    local files='!*.@(gsw3|bin)'
+    [ "${COMP_WORDS[1]}" != beats ] || files='!*.@(mp3|wav|ogg|flac|m4a)'
     case "$word" in
         -*) mapfile -t COMPREPLY < <(compgen -W "$options" -- "$word") ;;
-        *) mapfile -t COMPREPLY < <(compgen -f -X '!*.@(gsw3|bin)' -- "$word"; compgen -d -- "$word") ;;
+        *) mapfile -t COMPREPLY < <(compgen -f -X "$files" -- "$word"; compgen -d -- "$word") ;;
     esac
 }
 complete -o filenames -F _glowsmith_cli glowsmith-cli

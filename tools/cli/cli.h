@@ -71,6 +71,7 @@ ExitCode relink(const Call &call);
 ExitCode gatherPictures(const Call &call);
 ExitCode upload(const Call &call, const glow::DeviceShow &show);
 ExitCode film(const Call &call);
+ExitCode beats(const Call &call);
 
 // Shared by the commands.
 
@@ -83,6 +84,7 @@ void warnIfCut(const glow::ImageSummary &summary);
 
 // Each of these complains if it fails, and names the file and the reason.
 std::optional<QByteArray> readFile(const QString &path);
+bool isReadable(const QString &path);                          // a regular file that is opened elsewhere
 std::optional<glow::Project> openProject(const QString &path); // of the current form
 bool writeFile(const QString &path, const QByteArray &bytes);  // "-" is standard output
 

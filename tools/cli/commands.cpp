@@ -75,6 +75,9 @@ QVector<Command> commands()
          "film show.gsw3 -o show.mp4 --all-tracks --from 1:30 --to 2:00", project, aProject,
          filmOptions() + output("The film to write: .mp4, .webm, .gif, or .png for one frame.", "FILM"), "output",
          film},
+        {"beats", "where a song's beats are", "Finds the beats of a song: tempo and times.", "beats song.mp3 --json",
+         "SONG", "A song, such as an .mp3 or a .wav.", Options() + flag("json", "Prints tempo and times as JSON."), "",
+         beats},
     };
 }
 

@@ -56,6 +56,16 @@ std::optional<QByteArray> readFile(const QString &path)
     return bytes;
 }
 
+bool isReadable(const QString &path)
+{
+    const QFileInfo file(path);
+    const bool readable = file.isFile() && file.isReadable();
+    if (!readable) {
+        complain(QStringLiteral("%1: %2").arg(path, whyUnreadable(path)));
+    }
+    return readable;
+}
+
 std::optional<glow::Project> openProject(const QString &path)
 {
     const std::optional<QByteArray> bytes = readFile(path);
